@@ -1,0 +1,36 @@
+# Settings that every target of this project shares.
+
+function(vrad_warnings iTarget)
+  target_compile_options(${iTarget} PRIVATE -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor)
+  if(VRAD_WERROR)
+    target_compile_options(${iTarget} PRIVATE -Werror)
+  endif()
+  # Reports name source files relative to the source root.
+  target_compile_options(${iTarget} PRIVATE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+  if(VRAD_SANITIZE)
+    target_compile_options(${iTarget} PRIVATE -fsanitize=${VRAD_SANITIZE} -fno-sanitize-recover=all
+                                              -fno-omit-frame-pointer)
+    target_link_options(${iTarget} PRIVATE -fsanitize=${VRAD_SANITIZE})
+  endif()
+endfunction()
+
+# What the objects and the shared library made of them have in common.
+function(vrad_library_settings iTarget)
+  vrad_warnings(${iTarget})
+  target_include_directories(${iTarget} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+                                               $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/vrad>)
+  target_compile_features(${iTarget} PUBLIC cxx_std_20)
+  target_link_libraries(${iTarget} PUBLIC Boost::headers Threads::Threads ${CMAKE_DL_LIBS})
+  target_compile_definitions(${iTarget} PRIVATE VRAD_BUILDING)
+  set_target_properties(${iTarget} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden
+                                              VISIBILITY_INLINES_HIDDEN ON)
+endfunction()
+
+# The sources of iNames that exist, as targets of the folder's part of the library.
+function(vrad_sources)
+  foreach(name ${ARGN})
+    if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${name})
+      target_sources(vrad_objects PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${name})
+    endif()
+  endforeach()
+endfunction()

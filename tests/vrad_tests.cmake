@@ -1,0 +1,26 @@
+# One program for each test file: a failing build or a crash costs one class family, not all.
+
+function(vrad_test_program iFile)
+  if(NOT EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${iFile})
+    return()
+  endif()
+  cmake_path(GET iFile STEM name)
+  add_executable(${name} ${iFile})
+  vrad_warnings(${name})
+  target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main rapidcheck ${ARGN})
+  target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+endfunction()
+
+# Reaches internals: links the objects of the library.
+function(vrad_unit_test iFile)
+  vrad_test_program(${iFile} vrad_objects ${ARGN})
+endfunction()
+
+# Sees what a host sees: links host/ and the shared library.
+function(vrad_host_test iFile)
+  if(TARGET vrad_host)
+    vrad_test_program(${iFile} vrad_host ${ARGN})
+  endif()
+endfunction()
