@@ -24,3 +24,19 @@ function(vrad_host_test iFile)
     vrad_test_program(${iFile} vrad_host ${ARGN})
   endif()
 endfunction()
+
+# Sees the shared library alone, as it is shipped.
+function(vrad_boundary_test iFile)
+  vrad_test_program(${iFile} vrad ${ARGN})
+endfunction()
+
+# Marks tests in which threads meet: these run under the thread sanitizer too, where
+# vrad_thread_tests is all that is built.
+function(vrad_thread_tests)
+  foreach(name ${ARGN})
+    if(TARGET ${name})
+      set_tests_properties(${name} PROPERTIES LABELS threads)
+      add_dependencies(vrad_thread_tests ${name})
+    endif()
+  endforeach()
+endfunction()

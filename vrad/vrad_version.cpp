@@ -1,0 +1,5 @@
+#include "vrad/vrad_version.h"
+
+char const * Vrad_GetVersion() {
+  return VRAD_VERSION;
+}
