@@ -13,12 +13,16 @@ alignas(std::max_align_t) char sPlaceholder[1];
 
 Cmn_PolyVectorTraitsBase::~Cmn_PolyVectorTraitsBase() = default;
 
-// Room that is being filled from its front. Unless it is taken over, what was made in it goes again.
+// Room that is being filled from its front. Unless it is taken over, what was made in it goes
+// again.
 class Cmn_PolyVectorImpl::Block {
 public:
   Block(Cmn_PolyVectorImpl const & iOwner, size_t iNum)
-      : mOwner(iOwner), mBegin(static_cast<char *>(iOwner.mTraitsP->Allocate(iNum))),
-        mFirst(mBegin), mLast(mBegin), mRoomEnd(mBegin + iNum * iOwner.mElementSize) {}
+      : mOwner(iOwner),
+        mBegin(static_cast<char *>(iOwner.mTraitsP->Allocate(iNum))),
+        mFirst(mBegin),
+        mLast(mBegin),
+        mRoomEnd(mBegin + iNum * iOwner.mElementSize) {}
   ~Block() {
     for (char * pos = mFirst; pos != mLast; pos += mOwner.mElementSize)
       mOwner.mTraitsP->Destruct(pos);
@@ -40,7 +44,10 @@ public:
 };
 
 Cmn_PolyVectorImpl::Cmn_PolyVectorImpl(Cmn_PolyVectorTraitsBase & iTraits, size_t iElementSize)
-    : mTraitsP(&iTraits), mElementSize(iElementSize), mBegin(sPlaceholder), mEnd(sPlaceholder),
+    : mTraitsP(&iTraits),
+      mElementSize(iElementSize),
+      mBegin(sPlaceholder),
+      mEnd(sPlaceholder),
       mRoomEnd(sPlaceholder) {}
 
 Cmn_PolyVectorImpl::~Cmn_PolyVectorImpl() {

@@ -45,7 +45,7 @@ public:
                                  std::is_nothrow_copy_assignable_v<T>) {}
 
   /// The one that vectors of T use. Lives for ever, so static vectors may use it at exit.
-  static Cmn_PolyVectorTraits & Get() { return sForever.mTraits; }
+  static Cmn_PolyVectorTraits & Get();
 
   void * Allocate(size_t iNum) const override {
     if (iNum > static_cast<size_t>(-1) / 2 / sizeof(T)) throw std::bad_array_new_length();
@@ -61,18 +61,24 @@ public:
     *static_cast<T *>(ioTarget) = *static_cast<T const *>(iSource);
   }
   void Destruct(void * iElement) const override { static_cast<T *>(iElement)->~T(); }
+};
 
-private:
-  union Forever {
-    constexpr Forever() : mTraits() {}
-    ~Forever() {}
-    Cmn_PolyVectorTraits mTraits;
-  };
-  static Forever sForever;
+/// A traits object that no destructor ends.
+template <class T>
+union Cmn_PolyVectorTraitsForever {
+  constexpr Cmn_PolyVectorTraitsForever() : mTraits() {}
+  ~Cmn_PolyVectorTraitsForever() {}
+  Cmn_PolyVectorTraits<T> mTraits;
+  static Cmn_PolyVectorTraitsForever sOnly;
 };
 
 template <class T>
-constinit typename Cmn_PolyVectorTraits<T>::Forever Cmn_PolyVectorTraits<T>::sForever;
+constinit Cmn_PolyVectorTraitsForever<T> Cmn_PolyVectorTraitsForever<T>::sOnly;
+
+template <class T>
+Cmn_PolyVectorTraits<T> & Cmn_PolyVectorTraits<T>::Get() {
+  return Cmn_PolyVectorTraitsForever<T>::sOnly.mTraits;
+}
 
 /// The untyped body. Positions are addresses; an operation that adds may move all of them.
 /// Fails: `std::bad_alloc` or what copying an element throws; the vector is then as before.
@@ -208,9 +214,7 @@ public:
   void clear() { mImpl.Erase(mImpl.mBegin, mImpl.mEnd); }
   void reserve(size_t iNum) { mImpl.Reserve(iNum); }
 
-  size_t Size() const {
-    return static_cast<size_t>(mImpl.mEnd - mImpl.mBegin) / sizeof(T);
-  }
+  size_t Size() const { return static_cast<size_t>(mImpl.mEnd - mImpl.mBegin) / sizeof(T); }
   iterator Begin() { return begin(); }
   iterator End() { return end(); }
   const_iterator Begin() const { return begin(); }
@@ -225,9 +229,7 @@ public:
 
 private:
   static char * Untyped(iterator iPos) { return reinterpret_cast<char *>(iPos); }
-  static char const * Untyped(const_iterator iPos) {
-    return reinterpret_cast<char const *>(iPos);
-  }
+  static char const * Untyped(const_iterator iPos) { return reinterpret_cast<char const *>(iPos); }
   static iterator Typed(char * iPos) { return reinterpret_cast<T *>(iPos); }
 
   Cmn_PolyVectorImpl mImpl;
