@@ -57,8 +57,8 @@ public:
   /// One tempo throughout, given at tick 0; all changes are dropped.
   void Reset(double iBeatsPerMinute);
 
-  /// The tempo from that tick to the next change. A second call at one tick replaces. Appending in
-  /// order of time is amortised O(1), elsewhere the changes that follow are made anew.
+  /// The tempo from that tick to the next change. A second call at one tick replaces.
+  /// Copies the changes; unless it is the last, all are derived anew.
   void SetTempoAt(Time_Tick iTick, double iBeatsPerMinute);
 
   /// At least 1: the tempo given at construction or by `Reset` counts.
@@ -73,14 +73,16 @@ private:
   friend class Time_Convert;
   friend class Time_Globals;
   class Reader;
-  struct DefaultMap;
+  union DefaultMap;
+  struct Unset {};
 
-  explicit constexpr Time_TempoMap(Time_TempoTable const * iTableP) : mTableP(iTableP) {}
+  explicit constexpr Time_TempoMap(Unset) {}
   void Publish(Time_TempoTable const * iTableP);
-  static void RebuildAll(double iSampleRate);
+  static void SetSampleRate(double iHertz);
 
-  // What conversions read. A table never changes; an edit puts another in its place.
-  std::atomic<Time_TempoTable const *> mTableP;
+  // What conversions read. A table never changes; an edit puts another in its place. Null is the
+  // tempo at start, so that the default map converts before anything has been initialised.
+  std::atomic<Time_TempoTable const *> mTableP{nullptr};
   // Conversions under way. Replaced tables are freed by the first edit that finds none.
   mutable std::atomic<int> mNumReaders{0};
   Time_TempoTable const * mReplacedP = nullptr;
