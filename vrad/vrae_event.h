@@ -495,6 +495,9 @@ public:
   unsigned char const * GetDirectDataPtr() const;
   /// The contents. Lives: kind 14 as long as the record stays as it is, kind 15 as above.
   unsigned char const * GetInternalDataPtr() const;
+
+private:
+  void SetLongData(int iLength, unsigned char const * iData);
 };
 
 /// Kinds 14, 15 and 16: what raw MIDI input brings, a complete message or a fragment. Lengths and
@@ -525,6 +528,11 @@ public:
   void GetData(unsigned char * oData, int iStartIndex, int iEndIndex) const;
   /// The stored bytes of kind 15, else null. Lives: as long as any copy of the event, unchanged.
   unsigned char const * GetDirectDataPtr() const;
+
+private:
+  void SetShortData(EType iType, int iLength, unsigned char const * iData);
+  void SetPoolData(int iLength, unsigned char const * iData, Mem2_MasterAllocator * iAllocator);
+  bool TakeBlock(int iLength, unsigned char * iBlock, Mem2_MasterAllocator * iAllocator);
 };
 
 /// Kind 19: asks for the release value of a controller-like stream.
