@@ -1,0 +1,216 @@
+#include "host/host_midifile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+#include <system_error>
+#include <utility>
+
+#include "foundation/time_convert.h"
+#include "host/host_clipbuilder.h"
+#include "host/host_midisysex.h"
+
+namespace {
+
+typedef std::span<unsigned char const> Bytes;
+
+// A change with the place it stands at, until it is settled which of two at one tick counts.
+template <class T>
+struct Found {
+  T mChange;
+  size_t mOffset;
+};
+
+// In order of time; of several at one tick the last one found.
+template <class T>
+std::vector<T> SettleChanges(std::vector<Found<T>> & ioFound, Host_ENotKept iEarlier,
+                             Host_MidiReport & ioReport) {
+  auto const tickOf = [](Found<T> const & iFound) { return iFound.mChange.mTime.AsInt64(); };
+  std::stable_sort(ioFound.begin(), ioFound.end(), [&](Found<T> const & iA, Found<T> const & iB) {
+    return tickOf(iA) < tickOf(iB);
+  });
+  std::vector<T> result;
+  for (size_t i = 0; i < ioFound.size(); ++i) {
+    if (i + 1 < ioFound.size() && tickOf(ioFound[i]) == tickOf(ioFound[i + 1])) {
+      ioReport.CountNotKept(iEarlier, ioFound[i].mOffset);
+    } else {
+      result.push_back(ioFound[i].mChange);
+    }
+  }
+  return result;
+}
+
+// Hears a file out and fills a `Host_MidiFile`.
+class Reader : public Host_MidiFileVisitor, public Host_MidiSysexListener {
+public:
+  explicit Reader(Host_MidiFile & ioFile)
+      : mFile(ioFile), mBuilder(ioFile.mClips, ioFile.mReport), mJoiner(*this) {}
+
+  void Finish() {
+    mFile.mTempoChanges = SettleChanges(mTempos, kNotKept_EarlierTempo, mFile.mReport);
+    mFile.mTimeSignatures =
+        SettleChanges(mSignatures, kNotKept_EarlierTimeSignature, mFile.mReport);
+  }
+
+  void BeginFile(Host_MidiHeader const & iHeader) override {
+    mFile.mHeader = iHeader;
+    mFile.mTiming = Host_MidiTiming(iHeader.mDivision);
+  }
+
+  void BeginTrack(int iTrack, size_t) override {
+    mFile.mTracks.push_back({std::string(), Time_Tick(0)});
+    mHasName = false;
+    mBuilder.BeginTrack(iTrack);
+  }
+
+  void ChannelMessage(long long iTick, unsigned char iStatus, unsigned char iData1,
+                      unsigned char iData2, size_t iOffset) override {
+    mBuilder.AddChannelMessage(ToTick(iTick), iStatus, iData1, iData2, iOffset);
+  }
+
+  void SysexPacket(long long iTick, unsigned char iStatus, Bytes iBytes, size_t iOffset) override {
+    mJoiner.AddPacket(ToTick(iTick), iStatus, iBytes, iOffset);
+  }
+
+  void MetaEvent(long long iTick, unsigned char iType, Bytes iBytes, size_t iOffset) override {
+    if (iType == 0x03 && !mHasName) {
+      mFile.mTracks.back().mName.assign(iBytes.begin(), iBytes.end());
+      mHasName = true;
+    } else if (iType == 0x51) {
+      AddTempo(iTick, iBytes, iOffset);
+    } else if (iType == 0x58) {
+      AddTimeSignature(iTick, iBytes, iOffset);
+    } else {
+      mFile.mReport.CountMetaEvent(iType, iOffset);
+    }
+  }
+
+  void EndTrack(long long iTick) override {
+    mJoiner.EndTrack();
+    mBuilder.EndTrack(ToTick(iTick));
+    mFile.mTracks.back().mEnd = mFile.mTiming.ToTick(iTick);
+  }
+
+  void UnknownChunk(size_t iOffset) override {
+    mFile.mReport.CountNotKept(kNotKept_UnknownChunk, iOffset);
+  }
+
+  void Problem(size_t iOffset, std::string const & iText, bool iIsLoss) override {
+    mFile.mReport.AddProblem(iOffset, iText, iIsLoss);
+  }
+
+  void Sysex(long long iTick, Bytes iContents, size_t iOffset) override {
+    mBuilder.AddSysex(iTick, iContents, iOffset);
+  }
+
+  void EscapedMessage(long long iTick, unsigned char iStatus, unsigned char iData1,
+                      unsigned char iData2, size_t iOffset) override {
+    mBuilder.AddChannelMessage(iTick, iStatus, iData1, iData2, iOffset);
+  }
+
+  void EscapedBytes(size_t iOffset) override {
+    mFile.mReport.CountNotKept(kNotKept_EscapedMessage, iOffset);
+  }
+
+  void UnfinishedSysex(size_t iOffset) override {
+    mFile.mReport.CountNotKept(kNotKept_UnfinishedSysex, iOffset);
+  }
+
+private:
+  // Most messages share their tick with the one before.
+  long long ToTick(long long iFileTick) {
+    if (iFileTick != mFileTick) {
+      mFileTick = iFileTick;
+      mTick = mFile.mTiming.ToTick(iFileTick).AsInt64();
+    }
+    return mTick;
+  }
+
+  bool IsFurtherSequence() const { return mFile.mHeader.mFormat == 2 && mFile.mTracks.size() > 1; }
+
+  void AddTempo(long long iTick, Bytes iBytes, size_t iOffset) {
+    int const microseconds = iBytes.size() < 3 ? 0 : iBytes[0] << 16 | iBytes[1] << 8 | iBytes[2];
+    if (microseconds == 0) return mFile.mReport.CountNotKept(kNotKept_BadTempo, iOffset);
+    if (mFile.mTiming.IsSMPTE()) {
+      return mFile.mReport.CountNotKept(kNotKept_TempoOfSMPTE, iOffset);
+    }
+    if (IsFurtherSequence()) {
+      return mFile.mReport.CountNotKept(kNotKept_TempoOfFurtherSequence, iOffset);
+    }
+    mTempos.push_back({{Time_Tick(ToTick(iTick)), 60e6 / microseconds}, iOffset});
+  }
+
+  void AddTimeSignature(long long iTick, Bytes iBytes, size_t iOffset) {
+    if (iBytes.size() < 2 || iBytes[0] == 0 || iBytes[1] > 10) {
+      return mFile.mReport.CountNotKept(kNotKept_BadTimeSignature, iOffset);
+    }
+    if (IsFurtherSequence()) {
+      return mFile.mReport.CountNotKept(kNotKept_TimeSignatureOfFurtherSequence, iOffset);
+    }
+    mSignatures.push_back({{Time_Tick(ToTick(iTick)), iBytes[0], 1 << iBytes[1]}, iOffset});
+  }
+
+  Host_MidiFile & mFile;
+  Host_ClipBuilder mBuilder;
+  Host_MidiSysexJoiner mJoiner;
+  std::vector<Found<Host_TempoChange>> mTempos;
+  std::vector<Found<Host_TimeSignature>> mSignatures;
+  bool mHasName = false;
+  long long mFileTick = 0;
+  long long mTick = 0;
+};
+
+struct CloseFile {
+  void operator()(std::FILE * iFile) const { std::fclose(iFile); }
+};
+
+[[noreturn]] void ThrowErrno() {
+  throw std::system_error(errno, std::generic_category());
+}
+
+// In growing blocks, so that pipes can be read too. What cannot be a MIDI file is given up after
+// its first bytes, however long it is.
+std::vector<unsigned char> ReadBytes(std::string const & iPath) {
+  std::unique_ptr<std::FILE, CloseFile> const file(std::fopen(iPath.c_str(), "rb"));
+  if (!file) ThrowErrno();
+  std::vector<unsigned char> bytes;
+  for (size_t block = 4;; block = std::max<size_t>(bytes.size(), 1u << 16)) {
+    size_t const size = bytes.size();
+    bytes.resize(size + block);
+    size_t const numRead = std::fread(bytes.data() + size, 1, block, file.get());
+    bytes.resize(size + numRead);
+    if (std::ferror(file.get())) ThrowErrno();
+    bool const isMIDI = bytes.size() >= 4 && std::equal(bytes.begin(), bytes.begin() + 4, "MThd");
+    if (numRead < block || !isMIDI) return bytes;
+  }
+}
+
+}  // namespace
+
+Time_Tick Host_MidiFile::GetEnd() const {
+  long long end = 0;
+  for (Host_MidiTrack const & track : mTracks)
+    end = std::max(end, track.mEnd.AsInt64());
+  return Time_Tick(end);
+}
+
+void Host_MidiFile::FillTempoMap(Time_TempoMap & ioMap) const {
+  ioMap.Reset(120.0);
+  for (Host_TempoChange const & change : mTempoChanges) {
+    ioMap.SetTempoAt(change.mTime, change.mBeatsPerMinute);
+  }
+}
+
+Host_MidiFile Host_ReadMidiFile(std::span<unsigned char const> iBytes) {
+  Host_MidiFile file;
+  Reader reader(file);
+  Host_ParseMidiFile(iBytes, reader);
+  reader.Finish();
+  return file;
+}
+
+Host_MidiFile Host_ReadMidiFile(std::string const & iPath) {
+  std::vector<unsigned char> const bytes = ReadBytes(iPath);
+  return Host_ReadMidiFile(std::span<unsigned char const>(bytes));
+}

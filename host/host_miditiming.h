@@ -1,0 +1,30 @@
+// From a MIDI file's division to library ticks.
+#pragma once
+
+#include "foundation/time_typed.h"
+
+/// The time scale of one MIDI file.
+/// Thread: any; never changes.
+class Host_MidiTiming {
+public:
+  /// iDivision as in the file's header, one that the parser let through: ticks to the quarter note,
+  /// or with bit 15 set frames a second (24, 25, 29 for 29.97, 30) and ticks to the frame.
+  explicit Host_MidiTiming(int iDivision);
+
+  /// Whether file ticks are parts of a frame and so of a second, whatever the tempo. A second is
+  /// then 1920000 library ticks, as at 120 beats a minute.
+  bool IsSMPTE() const { return mFramesPerSecond != 0; }
+  /// To the quarter note, or to the frame.
+  int GetTicks() const { return mTicks; }
+  /// 24, 25, 29 or 30; 0 where ticks are parts of a quarter note.
+  int GetFramesPerSecond() const { return mFramesPerSecond; }
+
+  /// The nearest library tick, ties upward. iFileTick 0 to 2^40.
+  Time_Tick ToTick(long long iFileTick) const;
+
+private:
+  int mTicks;
+  int mFramesPerSecond;
+  long long mNumerator;  // library ticks in mDenominator file ticks
+  long long mDenominator;
+};
