@@ -42,7 +42,24 @@ long long Saturate(double iValue) {
   return static_cast<long long>(iValue);
 }
 
+Cmn_XMLNodePtr MakeNode(std::string const & iName, long long iCount, Time_EType iType) {
+  char const * const suffix = iType == Time_eType_Samples ? "s" : "t";
+  return Cmn_CreateXMLNode(iName, std::to_string(iCount) + suffix);
+}
+
 }  // namespace
+
+template <class T>
+Cmn_XMLNodePtr Time_TypedBase<T>::GetAsXML(std::string const & iName) const {
+  return MakeNode(iName, mCount, mType);
+}
+
+template VRAD_EXPORT Cmn_XMLNodePtr
+Time_TypedBase<Time_Typed>::GetAsXML(std::string const & iName) const;
+
+Cmn_XMLNodePtr Time_TypedLength::GetAsXML(std::string const & iName) const {
+  return MakeNode(iName, mCount, mType);
+}
 
 int Time_CompareUnlike(Time_Typed iA, Time_Typed iB) {
   long long const a = iA.AsInt64(), b = iB.AsInt64();

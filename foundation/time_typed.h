@@ -8,8 +8,10 @@
 #pragma once
 
 #include <limits>
+#include <string>
 #include <type_traits>
 
+#include "cmn/cmn_xmlnode.h"
 #include "foundation/vrad_export.h"
 
 /// The unit of a count. The numbers are in saved projects.
@@ -61,6 +63,9 @@ public:
     ++*this;
     return former;
   }
+
+  /// A node whose value is count and suffix, "960000t" or "24000s".
+  Cmn_XMLNodePtr GetAsXML(std::string const & iName) const;
 
 protected:
   constexpr Time_TypedBase(long long iCount, Time_EType iType) : mCount(iCount), mType(iType) {}
@@ -154,6 +159,9 @@ public:
   /// Count and unit in one number, as saved in projects; see `Time_TypedDefs`.
   long long GetRawDataForSave() const;
   void SetFromRawSavedData(long long iRaw);
+
+  /// A node whose value is count and suffix, "960000t" or "24000s".
+  Cmn_XMLNodePtr GetAsXML(std::string const & iName) const;
 
 private:
   long long mCount;
