@@ -15,11 +15,17 @@ namespace {
 
 constexpr double kTempoAtStart = 120.0;
 
-constinit std::mutex sEditMutex;  // edits of all maps and of the sample rate
 constinit std::atomic<double> sSampleRate(48000.0);
 constinit Time_TempoMap * sFirstMapP = nullptr;
 
 typedef std::unique_ptr<Time_TempoTable> TablePtr;
+
+// Orders the edits of all maps and of the sample rate. Made at first use and never destroyed, since
+// static maps come before and go after any object of this file.
+std::mutex & EditMutex() {
+  static std::mutex & mutex = *new std::mutex;
+  return mutex;
+}
 
 void CheckPositive(double iValue, char const * iWhat) {
   if (!std::isfinite(iValue) || iValue <= 0)
@@ -99,14 +105,14 @@ void Time_Globals::SetSampleRate(double iHertz) {
 
 Time_TempoMap::Time_TempoMap(double iBeatsPerMinute) {
   CheckPositive(iBeatsPerMinute, "tempo");
-  std::lock_guard<std::mutex> const lock(sEditMutex);
+  std::lock_guard<std::mutex> const lock(EditMutex());
   mTableP = MakeUniform(iBeatsPerMinute).release();
   mNextMapP = std::exchange(sFirstMapP, this);
 }
 
 Time_TempoMap::~Time_TempoMap() {
   {
-    std::lock_guard<std::mutex> const lock(sEditMutex);
+    std::lock_guard<std::mutex> const lock(EditMutex());
     Time_TempoMap ** linkP = &sFirstMapP;
     while (*linkP != this)
       linkP = &(*linkP)->mNextMapP;
@@ -124,7 +130,7 @@ void Time_TempoMap::Publish(Time_TempoTable const * iTableP) {
 
 void Time_TempoMap::SetSampleRate(double iHertz) {
   CheckPositive(iHertz, "sample rate");
-  std::lock_guard<std::mutex> const lock(sEditMutex);
+  std::lock_guard<std::mutex> const lock(EditMutex());
   std::vector<std::pair<Time_TempoMap *, TablePtr>> tables;  // all of them before the first change
   auto const add = [&](Time_TempoMap & iMap) {
     tables.emplace_back(&iMap, CopyLines(iMap.mTableP));
@@ -140,13 +146,13 @@ void Time_TempoMap::SetSampleRate(double iHertz) {
 
 void Time_TempoMap::Reset(double iBeatsPerMinute) {
   CheckPositive(iBeatsPerMinute, "tempo");
-  std::lock_guard<std::mutex> const lock(sEditMutex);
+  std::lock_guard<std::mutex> const lock(EditMutex());
   Publish(MakeUniform(iBeatsPerMinute).release());
 }
 
 void Time_TempoMap::SetTempoAt(Time_Tick iTick, double iBeatsPerMinute) {
   CheckPositive(iBeatsPerMinute, "tempo");
-  std::lock_guard<std::mutex> const lock(sEditMutex);
+  std::lock_guard<std::mutex> const lock(EditMutex());
   TablePtr tableP = CopyLines(mTableP);
   std::vector<Time_TempoLine> & lines = tableP->mLines;
   auto const place = std::lower_bound(
