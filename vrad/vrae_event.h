@@ -168,13 +168,13 @@ public:
   } mU;
 
   /// Kind 0, all bytes zero.
-  Vrae_Event();
+  Vrae_Event() noexcept;
   /// Copies the record; a long sysex takes one more reference on its payload.
-  Vrae_Event(Vrae_Event const & iOther);
+  Vrae_Event(Vrae_Event const & iOther) noexcept;
   /// A long sysex drops its reference.
   ~Vrae_Event();
   /// A long sysex on the left drops its reference, one on the right takes one more.
-  Vrae_Event const & operator=(Vrae_Event const & iOther);
+  Vrae_Event const & operator=(Vrae_Event const & iOther) noexcept;
 
   /// The kind, 0 to 23 in a sound record.
   signed char GetType() const { return mU.mBase.mType; }
@@ -587,7 +587,7 @@ public:
   unsigned long long GetDuration() const { return mU.mClipEvent.mDuration; }
 };
 
-inline Vrae_Event::Vrae_Event() {
+inline Vrae_Event::Vrae_Event() noexcept {
   std::memset(&mU, 0, sizeof(mU));
 }
 
@@ -595,7 +595,7 @@ inline Vrae_Event::Vrae_Event(EType iType) : Vrae_Event() {
   mU.mBase.mType = static_cast<signed char>(iType);
 }
 
-inline Vrae_Event::Vrae_Event(Vrae_Event const & iOther) : mU(iOther.mU) {
+inline Vrae_Event::Vrae_Event(Vrae_Event const & iOther) noexcept : mU(iOther.mU) {
   if (mU.mBase.mType == kLongSysex) LongSysexCopyConstruct();
 }
 
@@ -603,7 +603,7 @@ inline Vrae_Event::~Vrae_Event() {
   if (mU.mBase.mType == kLongSysex) LongSysexDestruct();
 }
 
-inline Vrae_Event const & Vrae_Event::operator=(Vrae_Event const & iOther) {
+inline Vrae_Event const & Vrae_Event::operator=(Vrae_Event const & iOther) noexcept {
   if (mU.mBase.mType == kLongSysex || iOther.mU.mBase.mType == kLongSysex) {
     if (this != &iOther) LongSysexAssign(iOther);
   } else {
