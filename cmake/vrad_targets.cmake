@@ -1,17 +1,18 @@
 # Settings that every target of this project shares.
 
 function(vrad_warnings iTarget)
-  target_compile_options(${iTarget} PRIVATE -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor)
+  set(options -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor)
   if(VRAD_WERROR)
-    target_compile_options(${iTarget} PRIVATE -Werror)
+    list(APPEND options -Werror)
   endif()
   # Reports name source files relative to the source root.
-  target_compile_options(${iTarget} PRIVATE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+  list(APPEND options -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
   if(VRAD_SANITIZE)
-    target_compile_options(${iTarget} PRIVATE -fsanitize=${VRAD_SANITIZE} -fno-sanitize-recover=all
-                                              -fno-omit-frame-pointer)
+    list(APPEND options -fsanitize=${VRAD_SANITIZE} -fno-sanitize-recover=all
+                        -fno-omit-frame-pointer)
     target_link_options(${iTarget} PRIVATE -fsanitize=${VRAD_SANITIZE})
   endif()
+  target_compile_options(${iTarget} PRIVATE "$<$<COMPILE_LANGUAGE:CXX>:${options}>")
 endfunction()
 
 # What the objects and the shared library made of them have in common.
