@@ -11,6 +11,8 @@
 #include "foundation/vrad_export.h"
 
 class Cmn_ChunkyVecImpl;
+struct Cmn_ChunkyVecNode;
+struct Cmn_ChunkyVecPath;
 
 /// What is known of a run of records without looking at them, if their sequence has a digest.
 struct Cmn_ChunkyVecSummary {
@@ -112,6 +114,8 @@ private:
   mutable int mChunkFirst = 0;  // index of its first record
   mutable int mChunkNum = 0;
   mutable char * mChunk = nullptr;
+
+  friend class Cmn_ChunkyVecImpl;
 };
 
 /// The untyped sequence. n records, C in a chunk.
@@ -178,10 +182,15 @@ public:
 
 private:
   friend class Cmn_ChunkyVecImpl_Iterator;
-  friend class Cmn_ChunkyVecTree;
-  struct Node;
 
-  void Remember(Cmn_ChunkyVecImpl_Iterator const & ioPos, bool iForWriting) const;
+  void Remember(Cmn_ChunkyVecImpl_Iterator const & iPos, bool iForWriting) const;
+  void UnshareFor(int iIndex, Cmn_ChunkyVecPath & oPath);
+  void InsertOne(int iIndex, char const * iRecord);
+  void InsertTree(int iIndex, Cmn_ChunkyVecNode * iRootP);
+  Cmn_ChunkyVecNode * Copy(Cmn_ChunkyVecCopier const & iCopier, int iFirst, int iLast) const;
+  void ReplaceRoot(Cmn_ChunkyVecNode * iRootP);
+  void CheckRoomFor(int iNum) const;
+  bool MayAppendInPlace() const;
   void Touch() const {
     mStamp.store(mStamp.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
   }
@@ -189,12 +198,12 @@ private:
   Cmn_ChunkyVecCopier * mCopierP;  // not owned
   int mElementSize;
   int mSize;
-  Node * mRootP;  // one count owned; null in an empty sequence
-  Node * mTailP;  // the last chunk, while mTailStamp is mStamp: then its path is unshared
+  Cmn_ChunkyVecNode * mRootP;  // one count owned; null in an empty sequence
+  Cmn_ChunkyVecNode * mTailP;  // the last chunk, its path unshared, while mTailStamp is mStamp
   unsigned mTailStamp;
   mutable bool mIsUnsettled;  // keys of some chunk lag behind its records
-  // Changes with everything that makes addresses of chunks, or the right to write there, void.
-  // Atomic, since snapshots of one sequence are copied on any thread.
+  // Changes with all that voids addresses of chunks or the right to write there. Starts at 1, so
+  // that a new iterator remembers nothing. Atomic, since one snapshot may be copied on any thread.
   mutable std::atomic<unsigned> mStamp;
 };
 

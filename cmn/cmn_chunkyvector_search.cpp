@@ -1,0 +1,132 @@
+// Searches over the keys and summaries of a sequence with a digest.
+#include <algorithm>
+
+#include "cmn/cmn_chunkyvector.h"
+#include "cmn/cmn_chunkyvector_tree.h"
+
+namespace {
+
+typedef Cmn_ChunkyVecNode Node;
+typedef Cmn_ChunkyVecLeaf Leaf;
+typedef Cmn_ChunkyVecInner Inner;
+
+// The first record of the ascending tree whose order key does not go before the limit.
+template <class TGoesBefore>
+int FindBound(Node * iRootP, TGoesBefore iGoesBefore) {
+  if (!iRootP || iGoesBefore(iRootP->mSummary.mLast)) return iRootP ? iRootP->mSummary.mNum : 0;
+  Node * nodeP = iRootP;
+  int index = 0;
+  while (!nodeP->IsLeaf()) {
+    Inner const & inner = static_cast<Inner const &>(*nodeP);
+    long long const * const last =
+        std::partition_point(inner.mLast, inner.mLast + inner.mNum, iGoesBefore);
+    int const child = static_cast<int>(last - inner.mLast);
+    index += inner.StartOf(child);
+    nodeP = inner.mChild[child];
+  }
+  Leaf const & leaf = static_cast<Leaf const &>(*nodeP);
+  long long const * const found =
+      std::partition_point(leaf.mOrder, leaf.mOrder + leaf.mNum, iGoesBefore);
+  return index + static_cast<int>(found - leaf.mOrder);
+}
+
+// Indices within the node. Gives the first record above the limit, or iLast.
+int FindAbove(Node * iNodeP, int iFirst, int iLast, long long iLimit) {
+  if (iNodeP->IsLeaf()) {
+    long long const * const extent = static_cast<Leaf const &>(*iNodeP).mExtent;
+    while (iFirst < iLast && extent[iFirst] <= iLimit)
+      ++iFirst;
+    return iFirst;
+  }
+  Inner const & inner = static_cast<Inner const &>(*iNodeP);
+  for (int i = inner.ChildAt(iFirst); i < inner.mNum && inner.StartOf(i) < iLast; ++i) {
+    if (inner.mGreatest[i] <= iLimit) continue;
+    int const start = inner.StartOf(i);
+    int const last = std::min(iLast, inner.mEnd[i]) - start;
+    int const found = FindAbove(inner.mChild[i], std::max(iFirst - start, 0), last, iLimit);
+    if (found < last) return start + found;
+  }
+  return iLast;
+}
+
+// One walk over a range, forward or backward.
+class Walker {
+public:
+  Walker(int iFirst, int iLast, bool iIsForward, Cmn_ChunkyVecVisitor & ioVisitor)
+      : mFirst(iFirst), mLast(iLast), mIsForward(iIsForward), mVisitor(ioVisitor) {}
+
+  // False: the visitor has seen enough.
+  bool Walk(Node * iNodeP, int iStart) {
+    if (iNodeP->IsLeaf()) return WalkLeaf(static_cast<Leaf const &>(*iNodeP), iStart);
+    Inner const & inner = static_cast<Inner const &>(*iNodeP);
+    int const first = inner.ChildAt(std::max(mFirst - iStart, 0));
+    int const last = std::min(inner.ChildAt(mLast - 1 - iStart), inner.mNum - 1);
+    for (int i = 0; i <= last - first; ++i) {
+      int const child = mIsForward ? first + i : last - i;
+      if (!mVisitor.Wants(inner.SummaryOf(child))) continue;
+      if (!Walk(inner.mChild[child], iStart + inner.StartOf(child))) return false;
+    }
+    return true;
+  }
+
+private:
+  bool WalkLeaf(Leaf const & iLeaf, int iStart) {
+    int const first = std::max(mFirst - iStart, 0);
+    int const last = std::min(mLast - iStart, iLeaf.mNum);
+    return mVisitor.Visit({iStart + first, last - first, iLeaf.mOrder + first,
+                           iLeaf.mExtent + first, iLeaf.mMarks + first});
+  }
+
+  int mFirst, mLast;
+  bool mIsForward;
+  Cmn_ChunkyVecVisitor & mVisitor;
+};
+
+}  // namespace
+
+void Cmn_ChunkyVecImpl::Settle() const {
+  if (!mIsUnsettled) return;
+  Touch();
+  Cmn_ChunkyVecTree::Settle(*mRootP);
+  mIsUnsettled = false;
+}
+
+Cmn_ChunkyVecSummary Cmn_ChunkyVecImpl::Summarise() const {
+  Settle();
+  return mRootP ? mRootP->mSummary : Cmn_ChunkyVecSummary();
+}
+
+Cmn_ChunkyVecSummary Cmn_ChunkyVecImpl::Summarise(int iFirst, int iLast) const {
+  Settle();
+  return mRootP ? Cmn_ChunkyVecTree::Summarise(*mRootP, iFirst, iLast) : Cmn_ChunkyVecSummary();
+}
+
+int Cmn_ChunkyVecImpl::LowerBound(long long iKey) const {
+  Settle();
+  return FindBound(mRootP, [iKey](long long iOrder) { return iOrder < iKey; });
+}
+
+int Cmn_ChunkyVecImpl::UpperBound(long long iKey) const {
+  Settle();
+  return FindBound(mRootP, [iKey](long long iOrder) { return iOrder <= iKey; });
+}
+
+int Cmn_ChunkyVecImpl::FindExtentAbove(int iFirst, int iLast, long long iLimit) const {
+  Settle();
+  return iFirst < iLast ? FindAbove(mRootP, iFirst, iLast, iLimit) : iLast;
+}
+
+void Cmn_ChunkyVecImpl::Walk(int iFirst, int iLast, Cmn_ChunkyVecVisitor & ioVisitor) const {
+  Settle();
+  if (iFirst < iLast && ioVisitor.Wants(mRootP->mSummary)) {
+    Walker(iFirst, iLast, true, ioVisitor).Walk(mRootP, 0);
+  }
+}
+
+void Cmn_ChunkyVecImpl::WalkBackward(int iFirst, int iLast,
+                                     Cmn_ChunkyVecVisitor & ioVisitor) const {
+  Settle();
+  if (iFirst < iLast && ioVisitor.Wants(mRootP->mSummary)) {
+    Walker(iFirst, iLast, false, ioVisitor).Walk(mRootP, 0);
+  }
+}

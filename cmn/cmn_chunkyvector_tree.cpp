@@ -1,0 +1,670 @@
+#include "cmn/cmn_chunkyvector_tree.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+namespace {
+
+typedef Cmn_ChunkyVecNode Node;
+typedef Cmn_ChunkyVecLeaf Leaf;
+typedef Cmn_ChunkyVecInner Inner;
+typedef Cmn_ChunkyVecNodeRef NodeRef;
+typedef Cmn_ChunkyVecSummary Summary;
+
+constexpr int kFirstRoom = 8;  // records in the only leaf of a short sequence
+constexpr size_t kAlignment = alignof(std::max_align_t);
+
+constexpr size_t Aligned(size_t iSize) {
+  return (iSize + kAlignment - 1) / kAlignment * kAlignment;
+}
+
+template <class T>
+void MoveWithin(T * ioArray, int iTo, int iFrom, int iNum) {
+  std::memmove(ioArray + iTo, ioArray + iFrom, static_cast<size_t>(iNum) * sizeof(T));
+}
+
+template <class T>
+void CopyArray(T * oTo, T const * iFrom, int iNum) {
+  std::memcpy(oTo, iFrom, static_cast<size_t>(iNum) * sizeof(T));
+}
+
+void Free(Node * iNodeP) {
+  if (iNodeP->IsLeaf()) {
+    static_cast<Leaf *>(iNodeP)->~Leaf();
+    ::operator delete(iNodeP);
+    return;
+  }
+  Inner * const innerP = static_cast<Inner *>(iNodeP);
+  for (int i = 0; i < innerP->mNum; ++i)
+    NodeRef(innerP->mChild[i]).Reset(nullptr);
+  delete innerP;
+}
+
+void MoveKeys(Leaf & ioLeaf, int iTo, int iFrom, int iNum) {
+  if (!ioLeaf.mDigestP || iNum == 0) return;
+  MoveWithin(ioLeaf.mOrder, iTo, iFrom, iNum);
+  MoveWithin(ioLeaf.mExtent, iTo, iFrom, iNum);
+  MoveWithin(ioLeaf.mMarks, iTo, iFrom, iNum);
+}
+
+void CopyKeys(Leaf & ioLeaf, int iTo, Leaf const & iSource, int iFrom, int iNum) {
+  if (!ioLeaf.mDigestP) return;
+  CopyArray(ioLeaf.mOrder + iTo, iSource.mOrder + iFrom, iNum);
+  CopyArray(ioLeaf.mExtent + iTo, iSource.mExtent + iFrom, iNum);
+  CopyArray(ioLeaf.mMarks + iTo, iSource.mMarks + iFrom, iNum);
+}
+
+void ExtractKeys(Leaf & ioLeaf, int iFirst, int iNum) {
+  if (!ioLeaf.mDigestP || iNum == 0) return;
+  ioLeaf.mDigestP->Extract(ioLeaf.At(iFirst), iNum, ioLeaf.mOrder + iFirst, ioLeaf.mExtent + iFirst,
+                           ioLeaf.mMarks + iFirst);
+}
+
+Summary SummaryOfKeys(Leaf const & iLeaf, int iFirst, int iLast) {
+  Summary result;
+  result.mNum = iLast - iFirst;
+  if (!iLeaf.mDigestP || iFirst == iLast) return result;
+  result.mFirst = iLeaf.mOrder[iFirst];
+  result.mLast = iLeaf.mOrder[iLast - 1];
+  long long least = iLeaf.mExtent[iFirst];
+  long long greatest = least;
+  for (int i = iFirst; i < iLast; ++i) {
+    least = std::min(least, iLeaf.mExtent[i]);
+    greatest = std::max(greatest, iLeaf.mExtent[i]);
+    result.mMarks |= iLeaf.mMarks[i];
+  }
+  result.mLeast = least;
+  result.mGreatest = greatest;
+  result.mAscending = std::is_sorted(iLeaf.mOrder + iFirst, iLeaf.mOrder + iLast);
+  return result;
+}
+
+void FoldLeaf(Leaf & ioLeaf) {
+  ioLeaf.mSummary = SummaryOfKeys(ioLeaf, 0, ioLeaf.mNum);
+}
+
+// One record more changes a summary without a look at the others.
+void WidenLeaf(Leaf & ioLeaf, int iOffset) {
+  Summary & summary = ioLeaf.mSummary;
+  Summary const one = SummaryOfKeys(ioLeaf, iOffset, iOffset + 1);
+  if (iOffset == ioLeaf.mNum - 1) {
+    summary.Append(one);
+    return;
+  }
+  ++summary.mNum;
+  if (!ioLeaf.mDigestP) return;
+  summary.mMarks |= one.mMarks;
+  summary.mLeast = std::min(summary.mLeast, one.mLeast);
+  summary.mGreatest = std::max(summary.mGreatest, one.mGreatest);
+  bool const fits = (iOffset == 0 || ioLeaf.mOrder[iOffset - 1] <= one.mFirst) &&
+                    one.mFirst <= ioLeaf.mOrder[iOffset + 1];
+  summary.mAscending = summary.mAscending && fits;
+  if (iOffset == 0) summary.mFirst = one.mFirst;
+}
+
+}  // namespace
+
+void Cmn_ChunkyVecSummary::Append(Cmn_ChunkyVecSummary const & iNext) {
+  if (iNext.mNum == 0) return;
+  if (mNum == 0) {
+    *this = iNext;
+    return;
+  }
+  mNum += iNext.mNum;
+  mAscending = mAscending && iNext.mAscending && mLast <= iNext.mFirst;
+  mMarks |= iNext.mMarks;
+  mLast = iNext.mLast;
+  mLeast = std::min(mLeast, iNext.mLeast);
+  mGreatest = std::max(mGreatest, iNext.mGreatest);
+}
+
+void Cmn_ChunkyVecNodeRef::Reset(Cmn_ChunkyVecNode * iNodeP) {
+  Cmn_ChunkyVecNode * const oldP = std::exchange(mNodeP, iNodeP);
+  if (oldP && oldP->mRefs.fetch_sub(1, std::memory_order_acq_rel) == 1) Free(oldP);
+}
+
+int Cmn_ChunkyVecInner::ChildAt(int iIndex) const {
+  return static_cast<int>(std::upper_bound(mEnd, mEnd + mNum, iIndex) - mEnd);
+}
+
+int Cmn_ChunkyVecInner::ChildForInsertion(int iIndex) const {
+  return static_cast<int>(std::lower_bound(mEnd, mEnd + mNum, iIndex) - mEnd);
+}
+
+Summary Cmn_ChunkyVecInner::SummaryOf(int iChild) const {
+  Summary result;
+  result.mNum = mEnd[iChild] - StartOf(iChild);
+  result.mAscending = mAscending[iChild];
+  result.mMarks = mMarks[iChild];
+  result.mFirst = mFirst[iChild];
+  result.mLast = mLast[iChild];
+  result.mLeast = mLeast[iChild];
+  result.mGreatest = mGreatest[iChild];
+  return result;
+}
+
+void Cmn_ChunkyVecInner::SetKeys(int iChild, Summary const & iSummary) {
+  mAscending[iChild] = iSummary.mAscending;
+  mMarks[iChild] = iSummary.mMarks;
+  mFirst[iChild] = iSummary.mFirst;
+  mLast[iChild] = iSummary.mLast;
+  mLeast[iChild] = iSummary.mLeast;
+  mGreatest[iChild] = iSummary.mGreatest;
+}
+
+void Cmn_ChunkyVecInner::Refresh(int iChild) {
+  Summary const & summary = mChild[iChild]->mSummary;
+  SetKeys(iChild, summary);
+  int const grown = summary.mNum - (mEnd[iChild] - StartOf(iChild));
+  for (int i = iChild; i < mNum; ++i)
+    mEnd[i] += grown;
+}
+
+void Cmn_ChunkyVecInner::Insert(int iAt, Node * iChildP, Summary const & iSummary) {
+  int const start = StartOf(iAt);
+  int const num = mNum - iAt;
+  MoveWithin(mChild, iAt + 1, iAt, num);
+  MoveWithin(mAscending, iAt + 1, iAt, num);
+  MoveWithin(mMarks, iAt + 1, iAt, num);
+  MoveWithin(mFirst, iAt + 1, iAt, num);
+  MoveWithin(mLast, iAt + 1, iAt, num);
+  MoveWithin(mLeast, iAt + 1, iAt, num);
+  MoveWithin(mGreatest, iAt + 1, iAt, num);
+  for (int i = mNum; i > iAt; --i)
+    mEnd[i] = mEnd[i - 1] + iSummary.mNum;
+  mChild[iAt] = iChildP;
+  mEnd[iAt] = start + iSummary.mNum;
+  SetKeys(iAt, iSummary);
+  ++mNum;
+}
+
+Node * Cmn_ChunkyVecInner::Remove(int iAt) {
+  Node * const childP = mChild[iAt];
+  int const removed = mEnd[iAt] - StartOf(iAt);
+  int const num = mNum - iAt - 1;
+  MoveWithin(mChild, iAt, iAt + 1, num);
+  MoveWithin(mAscending, iAt, iAt + 1, num);
+  MoveWithin(mMarks, iAt, iAt + 1, num);
+  MoveWithin(mFirst, iAt, iAt + 1, num);
+  MoveWithin(mLast, iAt, iAt + 1, num);
+  MoveWithin(mLeast, iAt, iAt + 1, num);
+  MoveWithin(mGreatest, iAt, iAt + 1, num);
+  --mNum;
+  for (int i = iAt; i < mNum; ++i)
+    mEnd[i] = mEnd[i + 1] - removed;
+  return childP;
+}
+
+void Cmn_ChunkyVecInner::Fold() {
+  mSummary = Summary();
+  if (mNum == 0) return;
+  mSummary.mNum = mEnd[mNum - 1];
+  mSummary.mFirst = mFirst[0];
+  mSummary.mLast = mLast[mNum - 1];
+  long long least = mLeast[0];
+  long long greatest = mGreatest[0];
+  unsigned char marks = 0;
+  bool ascending = true;
+  for (int i = 0; i < mNum; ++i) {
+    least = std::min(least, mLeast[i]);
+    greatest = std::max(greatest, mGreatest[i]);
+    marks |= mMarks[i];
+    ascending = ascending && mAscending[i] && (i == 0 || mLast[i - 1] <= mFirst[i]);
+  }
+  mSummary.mLeast = least;
+  mSummary.mGreatest = greatest;
+  mSummary.mMarks = marks;
+  mSummary.mAscending = ascending;
+}
+
+void Cmn_ChunkyVecPath::Refresh() {
+  for (int i = mNumSteps - 1; i >= 0; --i) {
+    mSteps[i].mInnerP->Refresh(mSteps[i].mChild);
+    mSteps[i].mInnerP->Fold();
+  }
+}
+
+void Cmn_ChunkyVecPath::MarkUnsettled() {
+  mLeafP->mIsUnsettled = true;
+  for (int i = 0; i < mNumSteps; ++i)
+    mSteps[i].mInnerP->mIsUnsettled = true;
+}
+
+Leaf * Cmn_ChunkyVecTree::Find(Node * iRootP, int iIndex, int * oOffset) {
+  Node * nodeP = iRootP;
+  while (!nodeP->IsLeaf()) {
+    Inner const & inner = static_cast<Inner const &>(*nodeP);
+    int const child = inner.ChildAt(iIndex);
+    iIndex -= inner.StartOf(child);
+    nodeP = inner.mChild[child];
+  }
+  *oOffset = iIndex;
+  return static_cast<Leaf *>(nodeP);
+}
+
+void Cmn_ChunkyVecTree::FindForWriting(Node *& ioRootP, int iIndex, Path & oPath) const {
+  oPath.mHasCloned = MakeWritable(ioRootP);
+  Node * nodeP = ioRootP;
+  while (!nodeP->IsLeaf()) {
+    Inner & inner = static_cast<Inner &>(*nodeP);
+    int const child = inner.ChildAt(iIndex);
+    iIndex -= inner.StartOf(child);
+    if (MakeWritable(inner.mChild[child])) oPath.mHasCloned = true;
+    oPath.mSteps[oPath.mNumSteps++] = {&inner, child};
+    nodeP = inner.mChild[child];
+  }
+  oPath.mLeafP = static_cast<Leaf *>(nodeP);
+  oPath.mOffset = iIndex;
+}
+
+// Full nodes are split on the way down, before anything depends on it: each split leaves a good
+// tree of the same records, so running out of memory half way does no harm.
+void Cmn_ChunkyVecTree::FindForInsertion(Node *& ioRootP, int iIndex, Path & oPath) const {
+  bool const atEnd = !ioRootP || iIndex == ioRootP->mSummary.mNum;
+  if (!ioRootP) ioRootP = NewLeaf(kFirstRoom).Release();
+  MakeWritable(ioRootP);
+  if (IsFull(*ioRootP)) MakeRoomInRoot(ioRootP);
+  Node * nodeP = ioRootP;
+  while (!nodeP->IsLeaf()) {
+    Inner & inner = static_cast<Inner &>(*nodeP);
+    int child = inner.ChildForInsertion(iIndex);
+    MakeWritable(inner.mChild[child]);
+    if (IsFull(*inner.mChild[child])) {
+      child = MakeRoomInChild(inner, child, iIndex - inner.StartOf(child), atEnd);
+    }
+    iIndex -= inner.StartOf(child);
+    oPath.mSteps[oPath.mNumSteps++] = {&inner, child};
+    nodeP = inner.mChild[child];
+  }
+  oPath.mLeafP = static_cast<Leaf *>(nodeP);
+  oPath.mOffset = iIndex;
+}
+
+void Cmn_ChunkyVecTree::InsertIntoLeaf(Leaf & ioLeaf, int iOffset, char const * iRecord) const {
+  int const num = ioLeaf.mNum - iOffset;
+  if (num > 0) {
+    mCopier.Copy(ioLeaf.At(iOffset + 1), ioLeaf.At(iOffset), num);
+    MoveKeys(ioLeaf, iOffset + 1, iOffset, num);
+  }
+  mCopier.Copy(ioLeaf.At(iOffset), iRecord, 1);
+  ++ioLeaf.mNum;
+  ExtractKeys(ioLeaf, iOffset, 1);
+  WidenLeaf(ioLeaf, iOffset);
+}
+
+void Cmn_ChunkyVecTree::EraseFromLeaf(Leaf & ioLeaf, int iOffset, int iNum) const {
+  int const num = ioLeaf.mNum - iOffset - iNum;
+  if (num > 0) {
+    mCopier.Copy(ioLeaf.At(iOffset), ioLeaf.At(iOffset + iNum), num);
+    MoveKeys(ioLeaf, iOffset, iOffset + iNum, num);
+  }
+  ioLeaf.mNum -= iNum;
+  FoldLeaf(ioLeaf);
+}
+
+void Cmn_ChunkyVecTree::ReplaceInLeaf(Leaf & ioLeaf, int iOffset, char const * iRecord) const {
+  mCopier.Copy(ioLeaf.At(iOffset), iRecord, 1);
+  ExtractKeys(ioLeaf, iOffset, 1);
+  FoldLeaf(ioLeaf);
+}
+
+void Cmn_ChunkyVecTree::WidenAtEnd(Node & ioRoot, Leaf const & iTail) {
+  Summary const one = SummaryOfKeys(iTail, iTail.mNum - 1, iTail.mNum);
+  for (Node * nodeP = &ioRoot; !nodeP->IsLeaf();) {
+    Inner & inner = static_cast<Inner &>(*nodeP);
+    int const last = inner.mNum - 1;
+    Summary summary = inner.SummaryOf(last);
+    summary.Append(one);
+    inner.SetKeys(last, summary);
+    ++inner.mEnd[last];
+    inner.mSummary.Append(one);
+    nodeP = inner.mChild[last];
+  }
+}
+
+void Cmn_ChunkyVecTree::Tidy(Node *& ioRootP, Path & ioPath) const {
+  Node * childP = ioPath.mLeafP;
+  for (int i = ioPath.mNumSteps - 1; i >= 0; --i) {
+    Inner & inner = *ioPath.mSteps[i].mInnerP;
+    int const child = ioPath.mSteps[i].mChild;
+    if (childP->mNum == 0) {
+      NodeRef(inner.Remove(child)).Reset(nullptr);
+    } else {
+      inner.Refresh(child);
+      if (childP->mNum < Capacity(*childP) / 2) AbsorbNeighbour(inner, child);
+    }
+    inner.Fold();
+    childP = &inner;
+  }
+  if (ioRootP->mNum == 0) NodeRef(std::exchange(ioRootP, nullptr)).Reset(nullptr);
+  while (ioRootP && !ioRootP->IsLeaf() && ioRootP->mNum == 1) {
+    NodeRef const old(ioRootP);
+    ioRootP = NodeRef::Share(old.AsInner().mChild[0]).Release();
+  }
+}
+
+NodeRef Cmn_ChunkyVecTree::Build(char const * iRecords, int iNum) const {
+  NodeRef result;
+  while (iNum > 0) {
+    int const num = std::min(iNum, Node::kLeafRoom);
+    NodeRef leaf =
+        NewLeaf(result || num == Node::kLeafRoom ? Node::kLeafRoom : std::max(num, kFirstRoom));
+    mCopier.Copy(leaf.AsLeaf().mRecords, iRecords, num);
+    leaf->mNum = num;
+    ExtractKeys(leaf.AsLeaf(), 0, num);
+    FoldLeaf(leaf.AsLeaf());
+    result = Concat(std::move(result), std::move(leaf));
+    iRecords += static_cast<ptrdiff_t>(num) * mElementSize;
+    iNum -= num;
+  }
+  return result;
+}
+
+NodeRef Cmn_ChunkyVecTree::Slice(Node * iNodeP, int iFirst, int iLast) const {
+  if (iFirst >= iLast) return NodeRef();
+  if (iFirst == 0 && iLast == iNodeP->mSummary.mNum) return NodeRef::Share(iNodeP);
+  if (iNodeP->IsLeaf()) {
+    return CloneLeaf(static_cast<Leaf &>(*iNodeP), iFirst, iLast, Node::kLeafRoom);
+  }
+  Inner const & inner = static_cast<Inner const &>(*iNodeP);
+  int const first = inner.ChildAt(iFirst);
+  int const last = inner.ChildAt(iLast - 1);
+  int const start = inner.StartOf(first);
+  if (first == last) return Slice(inner.mChild[first], iFirst - start, iLast - start);
+  NodeRef front = Slice(inner.mChild[first], iFirst - start, inner.mEnd[first] - start);
+  NodeRef back = Slice(inner.mChild[last], 0, iLast - inner.StartOf(last));
+  NodeRef middle;
+  if (last - first > 1) {
+    middle = NewInner(inner.mHeight);
+    for (int i = first + 1; i < last; ++i)
+      middle.AsInner().Insert(i - first - 1, NodeRef::Share(inner.mChild[i]).Release(),
+                              inner.SummaryOf(i));
+    middle.AsInner().Fold();
+  }
+  return Concat(Concat(std::move(front), std::move(middle)), std::move(back));
+}
+
+NodeRef Cmn_ChunkyVecTree::Concat(NodeRef iFront, NodeRef iBack) const {
+  if (!iFront) return iBack;
+  if (!iBack) return iFront;
+  NodePair joined = Join(std::move(iFront), std::move(iBack));
+  if (!joined.second) return std::move(joined.first);
+  return Parent(std::move(joined.first), std::move(joined.second));
+}
+
+void Cmn_ChunkyVecTree::Settle(Node & ioNode) {
+  if (!ioNode.mIsUnsettled) return;
+  if (ioNode.IsLeaf()) {
+    Leaf & leaf = static_cast<Leaf &>(ioNode);
+    ExtractKeys(leaf, 0, leaf.mNum);
+    FoldLeaf(leaf);
+  } else {
+    Inner & inner = static_cast<Inner &>(ioNode);
+    for (int i = 0; i < inner.mNum; ++i) {
+      if (!inner.mChild[i]->mIsUnsettled) continue;
+      Settle(*inner.mChild[i]);
+      inner.SetKeys(i, inner.mChild[i]->mSummary);
+    }
+    inner.Fold();
+  }
+  ioNode.mIsUnsettled = false;
+}
+
+Summary Cmn_ChunkyVecTree::Summarise(Node & iNode, int iFirst, int iLast) {
+  if (iFirst >= iLast) return Summary();
+  if (iFirst == 0 && iLast == iNode.mSummary.mNum) return iNode.mSummary;
+  if (iNode.IsLeaf()) return SummaryOfKeys(static_cast<Leaf &>(iNode), iFirst, iLast);
+  Inner const & inner = static_cast<Inner const &>(iNode);
+  Summary result;
+  for (int i = inner.ChildAt(iFirst); i < inner.mNum && inner.StartOf(i) < iLast; ++i) {
+    int const start = inner.StartOf(i);
+    bool const isWhole = iFirst <= start && inner.mEnd[i] <= iLast;
+    result.Append(isWhole ? inner.SummaryOf(i)
+                          : Summarise(*inner.mChild[i], std::max(iFirst - start, 0),
+                                      std::min(iLast, inner.mEnd[i]) - start));
+  }
+  return result;
+}
+
+NodeRef Cmn_ChunkyVecTree::NewLeaf(int iRoom) const {
+  Cmn_ChunkyVecDigest const * const digestP = mCopier.GetDigest();
+  size_t const room = static_cast<size_t>(iRoom);
+  size_t const keys = digestP ? Aligned(room * (2 * sizeof(long long) + 1)) : 0;
+  size_t const header = Aligned(sizeof(Leaf));
+  size_t const records = room * static_cast<size_t>(mElementSize);
+  char * const block = static_cast<char *>(::operator new(header + keys + records));
+  Leaf * const leafP = ::new (block) Leaf;
+  leafP->mRoom = iRoom;
+  leafP->mElementSize = mElementSize;
+  leafP->mDigestP = digestP;
+  leafP->mOrder = digestP ? reinterpret_cast<long long *>(block + header) : nullptr;
+  leafP->mExtent = digestP ? leafP->mOrder + iRoom : nullptr;
+  leafP->mMarks = digestP ? reinterpret_cast<unsigned char *>(leafP->mExtent + iRoom) : nullptr;
+  leafP->mRecords = block + header + keys;
+  return NodeRef(leafP);
+}
+
+NodeRef Cmn_ChunkyVecTree::NewInner(int iHeight) {
+  Inner * const innerP = new Inner;
+  innerP->mHeight = static_cast<short>(iHeight);
+  return NodeRef(innerP);
+}
+
+NodeRef Cmn_ChunkyVecTree::Clone(Node & iNode) const {
+  if (iNode.IsLeaf()) {
+    Leaf & leaf = static_cast<Leaf &>(iNode);
+    return CloneLeaf(leaf, 0, leaf.mNum, leaf.mRoom);
+  }
+  Inner const & source = static_cast<Inner const &>(iNode);
+  NodeRef result = NewInner(source.mHeight);
+  Inner & inner = result.AsInner();
+  CopyArray(inner.mChild, source.mChild, source.mNum);
+  CopyArray(inner.mEnd, source.mEnd, source.mNum);
+  CopyArray(inner.mAscending, source.mAscending, source.mNum);
+  CopyArray(inner.mMarks, source.mMarks, source.mNum);
+  CopyArray(inner.mFirst, source.mFirst, source.mNum);
+  CopyArray(inner.mLast, source.mLast, source.mNum);
+  CopyArray(inner.mLeast, source.mLeast, source.mNum);
+  CopyArray(inner.mGreatest, source.mGreatest, source.mNum);
+  inner.mSummary = source.mSummary;
+  inner.mNum = source.mNum;
+  for (int i = 0; i < inner.mNum; ++i)
+    inner.mChild[i]->AddRef();
+  return result;
+}
+
+NodeRef Cmn_ChunkyVecTree::CloneLeaf(Leaf & iLeaf, int iFirst, int iLast, int iRoom) const {
+  NodeRef result = NewLeaf(iRoom);
+  AppendToLeaf(result.AsLeaf(), iLeaf, iFirst, iLast);
+  return result;
+}
+
+bool Cmn_ChunkyVecTree::MakeWritable(Node *& ioNodeP) const {
+  if (!ioNodeP->IsShared()) return false;
+  NodeRef clone = Clone(*ioNodeP);
+  NodeRef(std::exchange(ioNodeP, clone.Release())).Reset(nullptr);
+  return true;
+}
+
+int Cmn_ChunkyVecTree::Capacity(Node const & iNode) {
+  return iNode.IsLeaf() ? Node::kLeafRoom : Node::kWidth;
+}
+
+bool Cmn_ChunkyVecTree::IsFull(Node const & iNode) {
+  return iNode.mNum == (iNode.IsLeaf() ? static_cast<Leaf const &>(iNode).mRoom : Node::kWidth);
+}
+
+// A leaf that began small grows before it is split. False: it is as large as leaves get.
+bool Cmn_ChunkyVecTree::Enlarge(Node *& ioNodeP) const {
+  if (!ioNodeP->IsLeaf()) return false;
+  Leaf & leaf = static_cast<Leaf &>(*ioNodeP);
+  if (leaf.mRoom == Node::kLeafRoom) return false;
+  NodeRef larger = CloneLeaf(leaf, 0, leaf.mNum, std::min(2 * leaf.mRoom, Node::kLeafRoom));
+  NodeRef(std::exchange(ioNodeP, larger.Release())).Reset(nullptr);
+  return true;
+}
+
+void Cmn_ChunkyVecTree::MakeRoomInRoot(Node *& ioRootP) const {
+  if (Enlarge(ioRootP)) return;
+  NodeRef parent = NewInner(ioRootP->mHeight + 1);
+  parent.AsInner().Insert(0, ioRootP, ioRootP->mSummary);
+  parent.AsInner().Fold();
+  ioRootP = parent.Release();
+}
+
+// At the end of the sequence the new node starts empty, so that what is built in order is full.
+int Cmn_ChunkyVecTree::MakeRoomInChild(Inner & ioParent, int iChild, int iIndex,
+                                       bool iAtEnd) const {
+  if (Enlarge(ioParent.mChild[iChild])) return iChild;
+  Node & child = *ioParent.mChild[iChild];
+  int const kept = !iAtEnd ? child.mNum / 2 : child.IsLeaf() ? child.mNum : child.mNum - 1;
+  NodeRef rest = SplitOff(child, kept);
+  Summary const summary = rest->mSummary;
+  ioParent.Refresh(iChild);
+  ioParent.Insert(iChild + 1, rest.Release(), summary);
+  bool const isInRest = iAtEnd || iIndex > child.mSummary.mNum;
+  return isInRest ? iChild + 1 : iChild;
+}
+
+NodeRef Cmn_ChunkyVecTree::SplitOff(Node & ioNode, int iFirst) const {
+  if (ioNode.IsLeaf()) {
+    Leaf & leaf = static_cast<Leaf &>(ioNode);
+    NodeRef rest = CloneLeaf(leaf, iFirst, leaf.mNum, Node::kLeafRoom);
+    leaf.mNum = iFirst;
+    FoldLeaf(leaf);
+    return rest;
+  }
+  Inner & inner = static_cast<Inner &>(ioNode);
+  NodeRef rest = NewInner(inner.mHeight);
+  for (int i = iFirst; i < inner.mNum; ++i)
+    rest.AsInner().Insert(i - iFirst, inner.mChild[i], inner.SummaryOf(i));
+  inner.mNum = iFirst;
+  inner.Fold();
+  rest.AsInner().Fold();
+  return rest;
+}
+
+// Needs: room.
+void Cmn_ChunkyVecTree::AppendToLeaf(Leaf & ioLeaf, Leaf & iSource, int iFirst, int iLast) const {
+  int const num = iLast - iFirst;
+  mCopier.Copy(ioLeaf.At(ioLeaf.mNum), iSource.At(iFirst), num);
+  CopyKeys(ioLeaf, ioLeaf.mNum, iSource, iFirst, num);
+  ioLeaf.mNum += num;
+  ioLeaf.mSummary.Append(num == iSource.mNum ? iSource.mSummary
+                                             : SummaryOfKeys(iSource, iFirst, iLast));
+}
+
+void Cmn_ChunkyVecTree::AbsorbNeighbour(Inner & ioParent, int iChild) const {
+  Node & child = *ioParent.mChild[iChild];
+  int const room = child.IsLeaf() ? static_cast<Leaf &>(child).mRoom : Node::kWidth;
+  for (int const neighbour : {iChild + 1, iChild - 1}) {
+    if (neighbour < 0 || neighbour >= ioParent.mNum) continue;
+    if (ioParent.mChild[neighbour]->mNum + child.mNum > room) continue;
+    NodeRef const absorbed(ioParent.Remove(neighbour));
+    bool const atFront = neighbour < iChild;
+    Absorb(child, *absorbed.Get(), atFront);
+    ioParent.Refresh(atFront ? neighbour : iChild);
+    return;
+  }
+}
+
+void Cmn_ChunkyVecTree::Absorb(Node & ioTarget, Node & iSource, bool iAtFront) const {
+  if (!ioTarget.IsLeaf()) {
+    Inner & target = static_cast<Inner &>(ioTarget);
+    Inner & source = static_cast<Inner &>(iSource);
+    int const at = iAtFront ? 0 : target.mNum;
+    for (int i = 0; i < source.mNum; ++i)
+      target.Insert(at + i, NodeRef::Share(source.mChild[i]).Release(), source.SummaryOf(i));
+    target.Fold();
+    return;
+  }
+  Leaf & target = static_cast<Leaf &>(ioTarget);
+  Leaf & source = static_cast<Leaf &>(iSource);
+  if (!iAtFront) {
+    AppendToLeaf(target, source, 0, source.mNum);
+    return;
+  }
+  mCopier.Copy(target.At(source.mNum), target.At(0), target.mNum);
+  MoveKeys(target, source.mNum, 0, target.mNum);
+  mCopier.Copy(target.At(0), source.At(0), source.mNum);
+  CopyKeys(target, 0, source, 0, source.mNum);
+  target.mNum += source.mNum;
+  Summary summary = source.mSummary;
+  summary.Append(target.mSummary);
+  target.mSummary = summary;
+}
+
+// One node or two neighbours of the greater height, with the same records.
+Cmn_ChunkyVecTree::NodePair Cmn_ChunkyVecTree::Join(NodeRef iFront, NodeRef iBack) const {
+  if (iFront->mHeight > iBack->mHeight) return JoinIntoFront(std::move(iFront), std::move(iBack));
+  if (iFront->mHeight < iBack->mHeight) return JoinIntoBack(std::move(iFront), std::move(iBack));
+  int const num = iFront->mNum + iBack->mNum;
+  if (num > Capacity(*iFront.Get())) return {std::move(iFront), std::move(iBack)};
+  if (iFront->IsLeaf() && (iFront->IsShared() || iFront.AsLeaf().mRoom < num)) {
+    iFront = CloneLeaf(iFront.AsLeaf(), 0, iFront->mNum, Node::kLeafRoom);
+  } else {
+    iFront = Writable(std::move(iFront));
+  }
+  Absorb(*iFront.Get(), *iBack.Get(), false);
+  return {std::move(iFront), NodeRef()};
+}
+
+Cmn_ChunkyVecTree::NodePair Cmn_ChunkyVecTree::JoinIntoFront(NodeRef iFront, NodeRef iBack) const {
+  iFront = Writable(std::move(iFront));
+  Inner & inner = iFront.AsInner();
+  NodePair joined = Join(NodeRef(inner.Remove(inner.mNum - 1)), std::move(iBack));
+  AppendChild(inner, std::move(joined.first));
+  NodeRef overflow;
+  if (joined.second) {
+    if (inner.mNum < Node::kWidth) {
+      AppendChild(inner, std::move(joined.second));
+    } else {
+      overflow = NewInner(inner.mHeight);
+      AppendChild(overflow.AsInner(), std::move(joined.second));
+      overflow.AsInner().Fold();
+    }
+  }
+  inner.Fold();
+  return {std::move(iFront), std::move(overflow)};
+}
+
+Cmn_ChunkyVecTree::NodePair Cmn_ChunkyVecTree::JoinIntoBack(NodeRef iFront, NodeRef iBack) const {
+  iBack = Writable(std::move(iBack));
+  Inner & inner = iBack.AsInner();
+  NodePair joined = Join(std::move(iFront), NodeRef(inner.Remove(0)));
+  NodeRef & nearest = joined.second ? joined.second : joined.first;
+  Summary const summary = nearest->mSummary;
+  inner.Insert(0, nearest.Release(), summary);
+  NodeRef overflow;
+  if (joined.first) {
+    Summary const firstSummary = joined.first->mSummary;
+    if (inner.mNum < Node::kWidth) {
+      inner.Insert(0, joined.first.Release(), firstSummary);
+    } else {
+      overflow = NewInner(inner.mHeight);
+      AppendChild(overflow.AsInner(), std::move(joined.first));
+      overflow.AsInner().Fold();
+    }
+  }
+  inner.Fold();
+  if (overflow) return {std::move(overflow), std::move(iBack)};
+  return {std::move(iBack), NodeRef()};
+}
+
+void Cmn_ChunkyVecTree::AppendChild(Inner & ioInner, NodeRef iChild) {
+  Summary const summary = iChild->mSummary;
+  ioInner.Insert(ioInner.mNum, iChild.Release(), summary);
+}
+
+NodeRef Cmn_ChunkyVecTree::Parent(NodeRef iFront, NodeRef iBack) {
+  NodeRef result = NewInner(iFront->mHeight + 1);
+  AppendChild(result.AsInner(), std::move(iFront));
+  AppendChild(result.AsInner(), std::move(iBack));
+  result.AsInner().Fold();
+  return result;
+}
+
+NodeRef Cmn_ChunkyVecTree::Writable(NodeRef iNode) const {
+  return iNode->IsShared() ? Clone(*iNode.Get()) : std::move(iNode);
+}
