@@ -40,3 +40,18 @@ function(vrad_thread_tests)
     endif()
   endforeach()
 endfunction()
+
+# Counts what real-time code must not do: see support/realtime_scope.h. A test lists it as a further
+# argument. A sanitizer has the functions for itself and leaves only hooks on the heap.
+if(VRAD_SANITIZE)
+  set(interpose sanitizer)
+elseif(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+  set(interpose libc)
+else()
+  set(interpose none)
+endif()
+add_library(vrad_realtime_harness OBJECT support/realtime_scope.cpp
+                                         support/realtime_interpose_${interpose}.cpp)
+vrad_warnings(vrad_realtime_harness)
+target_include_directories(vrad_realtime_harness PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_libraries(vrad_realtime_harness PUBLIC ${CMAKE_DL_LIBS})
