@@ -162,6 +162,8 @@ public:
   int GetSpan(int iIndex, char const ** oFirst) const;
   int GetWritableSpan(int iIndex, char ** oFirst);
 
+  bool HasDigest() const { return mCopierP->GetDigest() != nullptr; }
+
   // With a digest only. iFirst and iLast are indices, [iFirst, iLast).
 
   /// Takes up what was written through addresses. Searches and copying do so by themselves; a bulk

@@ -1,0 +1,138 @@
+// What all stores of records sorted by time share: bounds, sorted insertion, the digest that lets a
+// chunked sequence search without touching its records. A store is a `Cmn_ChunkyPODVector` or a
+// `Cmn_PolyVector` of records with a public `mTime`; positions are indices.
+//
+// A store may be unsorted or hold both units. Every binary search therefore has one probe sequence,
+// whatever the container, and short cuts are taken only while the store is known to be sorted and
+// of the one unit that is asked for: there every correct search gives the same answer.
+#pragma once
+
+#include "cmn/cmn_chunkyvector.h"
+#include "cmn/cmn_polyvector.h"
+#include "foundation/time_typed.h"
+
+/// The marks that the digest of a sorted store leaves on each record; three bits are still free.
+enum Vrad_EStoreMark : int {
+  kStoreMark_Samples = 1,    // the time is in samples
+  kStoreMark_Ticks = 2,      // the time is in ticks
+  kStoreMark_OtherUnit = 4,  // the time is in neither
+  kStoreMark_NoExtent = 8,   // the extent key does not say how far the record reaches
+  kStoreMark_AllUnits = 7
+};
+
+constexpr int Vrad_StoreMarkOf(Time_EType iType) {
+  return iType == Time_eType_Samples ? kStoreMark_Samples
+         : iType == Time_eType_Ticks ? kStoreMark_Ticks
+                                     : kStoreMark_OtherUnit;
+}
+
+/// Nothing but times of that unit, and none less than the one before it.
+inline bool Vrad_IsSortedInUnit(Cmn_ChunkyVecSummary const & iSummary, Time_EType iType) {
+  int const mark = Vrad_StoreMarkOf(iType);
+  return iSummary.mAscending && (iSummary.mMarks & kStoreMark_AllUnits) == mark &&
+         mark != kStoreMark_OtherUnit;
+}
+
+/// The digest of a store without extents: the time's count is the order key.
+template <class TRecord>
+class Vrad_TimeDigest final : public Cmn_ChunkyVecDigest {
+public:
+  static Vrad_TimeDigest const * Get() {
+    static Vrad_TimeDigest const * const sOnly = new Vrad_TimeDigest;  // outlives static stores
+    return sOnly;
+  }
+  void Extract(char const * iRecords, int iNum, long long * oOrder, long long * oExtent,
+               unsigned char * oMarks) const override {
+    TRecord const * const records = reinterpret_cast<TRecord const *>(iRecords);
+    for (int i = 0; i < iNum; ++i) {
+      oOrder[i] = oExtent[i] = records[i].mTime.AsInt64();
+      oMarks[i] = static_cast<unsigned char>(Vrad_StoreMarkOf(records[i].mTime.GetType()));
+    }
+  }
+};
+
+/// The first index in [iFirst, iLast) for which `iIsBefore` is false, by the one probe sequence.
+template <class TIsBefore>
+int Vrad_FindFirstNotBefore(int iFirst, int iLast, TIsBefore iIsBefore) {
+  int num = iLast - iFirst;
+  while (num > 0) {
+    int const half = num / 2;
+    if (iIsBefore(iFirst + half)) {
+      iFirst += half + 1;
+      num -= half + 1;
+    } else {
+      num = half;
+    }
+  }
+  return iFirst;
+}
+
+/// Keys that answer for times of that unit are at hand.
+template <class T>
+bool Vrad_HasKeysFor(Cmn_ChunkyPODVector<T> const & iStore, Time_EType iType) {
+  Cmn_ChunkyVecImpl const & impl = iStore.GetImpl();
+  return impl.HasDigest() && Vrad_IsSortedInUnit(impl.Summarise(), iType);
+}
+template <class T>
+bool Vrad_HasKeysFor(Cmn_PolyVector<T, 0> const &, Time_EType) {
+  return false;
+}
+
+/// In [iFirst, iLast), the first record with a time not less than `iTime`.
+template <class TStore>
+int Vrad_LowerBoundIn(TStore const & iStore, int iFirst, int iLast, Time_Typed iTime) {
+  return Vrad_FindFirstNotBefore(iFirst, iLast, [&iStore, iTime](int iIndex) {
+    return iStore[static_cast<decltype(iStore.Size())>(iIndex)].mTime < iTime;
+  });
+}
+/// In [iFirst, iLast), the first record with a time greater than `iTime`.
+template <class TStore>
+int Vrad_UpperBoundIn(TStore const & iStore, int iFirst, int iLast, Time_Typed iTime) {
+  return Vrad_FindFirstNotBefore(iFirst, iLast, [&iStore, iTime](int iIndex) {
+    return !(iTime < iStore[static_cast<decltype(iStore.Size())>(iIndex)].mTime);
+  });
+}
+
+/// The same over the whole store. O(log n).
+template <class TStore>
+int Vrad_LowerBound(TStore const & iStore, Time_Typed iTime) {
+  return Vrad_LowerBoundIn(iStore, 0, static_cast<int>(iStore.Size()), iTime);
+}
+template <class T>
+int Vrad_LowerBound(Cmn_ChunkyPODVector<T> const & iStore, Time_Typed iTime) {
+  if (Vrad_HasKeysFor(iStore, iTime.GetType())) {
+    return iStore.GetImpl().LowerBound(iTime.AsInt64());
+  }
+  return Vrad_LowerBoundIn(iStore, 0, iStore.Size(), iTime);
+}
+template <class TStore>
+int Vrad_UpperBound(TStore const & iStore, Time_Typed iTime) {
+  return Vrad_UpperBoundIn(iStore, 0, static_cast<int>(iStore.Size()), iTime);
+}
+template <class T>
+int Vrad_UpperBound(Cmn_ChunkyPODVector<T> const & iStore, Time_Typed iTime) {
+  if (Vrad_HasKeysFor(iStore, iTime.GetType())) {
+    return iStore.GetImpl().UpperBound(iTime.AsInt64());
+  }
+  return Vrad_UpperBoundIn(iStore, 0, iStore.Size(), iTime);
+}
+
+/// Behind the last record, or behind those of equal time that are there. Gives the index.
+template <class TStore, class TRecord>
+int Vrad_InsertSorted(TStore & ioStore, TRecord const & iRecord) {
+  TStore const & store = ioStore;
+  int const size = static_cast<int>(store.Size());
+  if (size > 0 && iRecord.mTime < store.back().mTime) {
+    int const index = Vrad_UpperBound(store, iRecord.mTime);
+    ioStore.insert(ioStore.begin() + index, iRecord);
+    return index;
+  }
+  ioStore.push_back(iRecord);
+  return size;
+}
+
+/// Erases [iFirst, iLast).
+template <class TStore>
+void Vrad_EraseIndices(TStore & ioStore, int iFirst, int iLast) {
+  ioStore.erase(ioStore.begin() + iFirst, ioStore.begin() + iLast);
+}
