@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "cmn/cmn_assert.h"
+#include "support/chase_receiver.h"
 #include "vrad/vrae_chasetrackermap.h"
 
 namespace {
@@ -28,75 +29,12 @@ Vrae_SubStream Pressure() {
   return Vrae_SubStream::MonoPressure();
 }
 
-// Keeps what it is sent as text: "cc7=100 bend=5".
-class Printer : public Vrae_EventReceiver {
-public:
-  void ReceiveEvent(Vrae_Event const & iEvent) override {
-    if (!mText.empty()) mText += " ";
-    switch (iEvent.GetType()) {
-    case Vrae_Event::kController:
-      mText += "cc" + std::to_string(iEvent.AsController().GetControllerNumber()) + "=" +
-               std::to_string(iEvent.AsController().GetValue());
-      break;
-    case Vrae_Event::kPitchBend:
-      mText += "bend=" + std::to_string(iEvent.AsPitchBend().GetBendValue());
-      break;
-    case Vrae_Event::kMonoPressure:
-      mText += "pressure=" + std::to_string(iEvent.AsMonoPressure().GetPressure());
-      break;
-    case Vrae_Event::kProgram:
-      mText += "program=" + std::to_string(iEvent.AsProgram().GetProgram());
-      break;
-    case Vrae_Event::kPolyPressure:
-      mText += "poly" + std::to_string(iEvent.AsPolyPressure().GetPitch()) + "=" +
-               std::to_string(iEvent.AsPolyPressure().GetPressure());
-      break;
-    default:
-      mText += "kind" + std::to_string(iEvent.GetType());
-    }
-  }
-  std::string Take() {
-    std::string const text = mText;
-    mText.clear();
-    return text;
-  }
-
-private:
-  std::string mText;
-};
-
-class SwitchThrowingOff {
-public:
-  SwitchThrowingOff() : mFormer(Cmn_Assert::SetThrowing(false)) {}
-  ~SwitchThrowingOff() { Cmn_Assert::SetThrowing(mFormer); }
-  SwitchThrowingOff(SwitchThrowingOff const &) = delete;
-  SwitchThrowingOff & operator=(SwitchThrowingOff const &) = delete;
-
-private:
-  bool mFormer;
-};
-
-// A map whose entry 0, bend, is releasing, so that no walk reports it: bend (0), cc7, cc64 (0),
-// pressure (5), and release-only poly pressure of pitch 60 (0).
-class SmallMap : public Vrae_ChaseTrackerMap {
-public:
-  SmallMap() {
-    Clear();
-    AppendReleasingEntry(Bend(), 0);
-    AppendEntry(Cc(7));
-    AppendReleasingEntry(Cc(64), 0);
-    AppendReleasingEntry(Pressure(), 5);
-    DoneAddingChasingEntries();
-    AppendReleasingEntry(Vrae_SubStream::PolyPressure(60), 0);
-  }
-};
-
 struct Trackers : testing::Test {
   Vrae_ChaseTrackerMap mMap;
-  SmallMap mSmallMap;
+  ChaseSmallMap mSmallMap;
   Vrae_ChaseTracker mOld{&mMap, true};
   Vrae_ChaseTracker mNew{&mMap, true};
-  Printer mOut;
+  ChasePrinter mOut;
 
   // What an unmute sends shows the changed flags of entries that are not releasing.
   std::string UnMuted(Vrae_ChaseTracker const & iTracker) {
@@ -131,7 +69,7 @@ TEST_F(Vrae_ChaseTracker_Construction, RefusesANullMap) {
 }
 
 TEST_F(Vrae_ChaseTracker_Construction, OnANullMapTreatsEveryEntryAsAbsent) {
-  SwitchThrowingOff off;
+  ThrowingOff const off;
   Cmn_AssertRecorder recorder;
   Vrae_ChaseTracker tracker(static_cast<Vrae_ChaseTrackerMap const *>(nullptr), true);
   tracker.TrackEvent(Vrae_ControllerEvent(7, 5));
@@ -388,7 +326,7 @@ TEST_F(Vrae_ChaseTracker_Feeding, EachOfThemEndsTheClearMark) {
 TEST_F(Vrae_ChaseTracker_Feeding, ProgramsKeepBankAndFlags) {
   mNew.ChaseEvent(Vrae_ProgramEvent(5, 0x0123));
   EXPECT_EQ(0x012305, ValueOf(mNew, Vrae_SubStream::Program()));
-  EXPECT_EQ("program=5", Prepped(mNew));
+  EXPECT_EQ("program=74501", Prepped(mNew));
 }
 
 TEST_F(Vrae_ChaseTracker_Feeding, ClearActiveFlagKeepsValueAndChange) {
@@ -525,7 +463,7 @@ TEST_F(Vrae_ChaseTracker_Queries, GetChasingEntryThrowsWithoutAPlaceForTheAnswer
   EXPECT_THROW((void)mNew.GetChasingEntry(nullptr, Cc(7)), Cmn_AssertException);
   EXPECT_THROW((void)mNew.GetChasingEntry(nullptr, 7), Cmn_AssertException);
   EXPECT_EQ(2, recorder.GetNum("oEntryP != 0"));
-  SwitchThrowingOff off;
+  ThrowingOff const off;
   EXPECT_FALSE(mNew.GetChasingEntry(nullptr, Cc(7)));
   EXPECT_FALSE(mNew.GetChasingEntry(nullptr, 7));
 }
@@ -622,7 +560,7 @@ TEST_F(Vrae_ChaseTracker_Iterators, StayAtTheEndWithThrowingOff) {
   Vrae_ChaseTracker_ActiveReleasingIterator releasing(&mNew);
   ++chasing;
   ++releasing;
-  SwitchThrowingOff off;
+  ThrowingOff const off;
   Cmn_AssertRecorder recorder;
   ++chasing;
   ++releasing;

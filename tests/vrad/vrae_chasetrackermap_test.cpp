@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "cmn/cmn_assert.h"
+#include "support/throwing_off.h"
 
 namespace {
 
@@ -18,17 +19,6 @@ int Find(Vrae_ChaseTrackerMap const & iMap, Vrae_SubStream const & iSubStream) {
   EXPECT_EQ(!found, index == -2) << "stored exactly when found";
   return found ? index : -1;
 }
-
-class SwitchThrowingOff {
-public:
-  SwitchThrowingOff() : mFormer(Cmn_Assert::SetThrowing(false)) {}
-  ~SwitchThrowingOff() { Cmn_Assert::SetThrowing(mFormer); }
-  SwitchThrowingOff(SwitchThrowingOff const &) = delete;
-  SwitchThrowingOff & operator=(SwitchThrowingOff const &) = delete;
-
-private:
-  bool mFormer;
-};
 
 }  // namespace
 
@@ -143,7 +133,7 @@ TEST(Vrae_ChaseTrackerMap_GetIndexForSubStream, OfTheNullSubStreamThrows) {
 
 TEST(Vrae_ChaseTrackerMap_GetIndexForSubStream, OfTheNullSubStreamIsFalseWithThrowingOff) {
   Vrae_ChaseTrackerMap const map;
-  SwitchThrowingOff off;
+  ThrowingOff const off;
   Cmn_AssertRecorder recorder;
   int index = 7;
   EXPECT_FALSE(map.GetIndexForSubStream(&index, Vrae_SubStream()));
@@ -192,7 +182,7 @@ TEST(Vrae_ChaseTrackerMap_GetIndexForSubStreamIndex, ThrowsAboveTheIndexSpace) {
 
 TEST(Vrae_ChaseTrackerMap_GetIndexForSubStreamIndex, IsFalseWithThrowingOff) {
   Vrae_ChaseTrackerMap const map;
-  SwitchThrowingOff off;
+  ThrowingOff const off;
   Cmn_AssertRecorder recorder;
   int index = 7;
   EXPECT_FALSE(map.GetIndexForSubStreamIndex(nullptr, 5));
@@ -236,7 +226,7 @@ TEST(Vrae_ChaseTrackerMap_AppendEntry, RefusesADuplicate) {
 
 TEST(Vrae_ChaseTrackerMap_AppendReleasingEntry, RefusesADuplicateWithThrowingOff) {
   Vrae_ChaseTrackerMap map;
-  SwitchThrowingOff off;
+  ThrowingOff const off;
   Cmn_AssertRecorder recorder;
   map.AppendReleasingEntry(Vrae_SubStream::Controller(1), 5);
   EXPECT_EQ(1, recorder.GetNum(kDuplicate));
