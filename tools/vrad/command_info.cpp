@@ -1,0 +1,161 @@
+#include "tools/vrad/command_info.h"
+
+#include <algorithm>
+
+#include <CLI/CLI.hpp>
+
+#include "foundation/time_convert.h"
+#include "tools/vrad/tool_event.h"
+#include "tools/vrad/tool_load.h"
+#include "tools/vrad/tool_names.h"
+#include "tools/vrad/tool_output.h"
+#include "tools/vrad/tool_tally.h"
+
+namespace {
+
+constexpr size_t kMaxNameLength = 24;
+
+std::string GetTrackName(Host_MidiFile const & iFile, int iTrack) {
+  return Tool_MakePrintable(iFile.mTracks[static_cast<size_t>(iTrack)].mName, kMaxNameLength);
+}
+
+std::string Plural(long long iNumber, char const * iNoun) {
+  return fmt::format("{} {}{}", iNumber, iNoun, iNumber == 1 ? "" : "s");
+}
+
+void PrintFormat(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+  Host_MidiTiming const & timing = iFile.mTiming;
+  ioOut.Print("  Standard MIDI File, format {}, ", iFile.mHeader.mFormat);
+  if (timing.IsSMPTE()) {
+    ioOut.Print("{} ticks to the frame at {} frames a second\n", timing.GetTicks(),
+                timing.GetFramesPerSecond() == 29 ? "29.97"
+                                                  : std::to_string(timing.GetFramesPerSecond()));
+  } else {
+    ioOut.Print("{} ticks to the quarter note\n", timing.GetTicks());
+  }
+}
+
+void PrintLength(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+  Time_Typed const end = iFile.GetEnd();
+  Time_Typed const inSamples = Time_Convert::sTimeConverter->ToType(end, Time_eType_Samples);
+  double const seconds = static_cast<double>(inSamples.AsInt64()) / Time_Globals::GetSampleRate();
+  ioOut.Print("  ends     {} ({}t, {:.3f} seconds)\n",
+              Tool_FormatBar(Host_BarMap(iFile.mTimeSignatures), end), end.AsInt64(), seconds);
+}
+
+void PrintTempo(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+  std::vector<Host_TempoChange> const & changes = iFile.mTempoChanges;
+  double const first = Time_Convert::GetDefaultTempoMap().GetTempoAt(Time_Tick(0));
+  ioOut.Print("  tempo    {:.6g} beats a minute", first);
+  long long const numLater =
+      std::count_if(changes.begin(), changes.end(),
+                    [](Host_TempoChange const & iChange) { return iChange.mTime.AsInt64() > 0; });
+  if (numLater > 0) {
+    auto const [low, high] =
+        std::minmax_element(changes.begin(), changes.end(),
+                            [](Host_TempoChange const & iA, Host_TempoChange const & iB) {
+                              return iA.mBeatsPerMinute < iB.mBeatsPerMinute;
+                            });
+    ioOut.Print(" at first, {}, {:.6g} to {:.6g}", Plural(numLater, "change"), low->mBeatsPerMinute,
+                high->mBeatsPerMinute);
+  }
+  ioOut.Print("\n");
+}
+
+void PrintTimeSignatures(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+  constexpr size_t kMaxShown = 6;
+  Host_BarMap const bars(iFile.mTimeSignatures);
+  std::vector<Host_TimeSignature> const & signatures = iFile.mTimeSignatures;
+  bool const isFromBeginning = !signatures.empty() && signatures.front().mTime.AsInt64() == 0;
+  ioOut.Print("  meter    {}", isFromBeginning ? "" : "4/4");
+  for (size_t i = 0; i < std::min(signatures.size(), kMaxShown); ++i) {
+    Host_TimeSignature const & signature = signatures[i];
+    if (i > 0 || !isFromBeginning) ioOut.Print(", ");
+    ioOut.Print("{}/{}", signature.mNumerator, signature.mDenominator);
+    if (signature.mTime.AsInt64() > 0) {
+      ioOut.Print(" from bar {}", bars.ToBar(signature.mTime).mBar);
+    }
+  }
+  if (signatures.size() > kMaxShown) ioOut.Print(", ... {} in all", signatures.size());
+  ioOut.Print("\n");
+}
+
+std::string ListControllers(Tool_Tally const & iTally) {
+  std::string result;
+  for (size_t i = 0; i < iTally.mControllers.size(); ++i) {
+    if (iTally.mControllers[i]) result += fmt::format("{}{}", result.empty() ? "" : " ", i);
+  }
+  return result.empty() ? "" : "cc " + result;
+}
+
+// Names may hold characters of several bytes, so that the column is filled by hand.
+void PrintName(Tool_Output & ioOut, std::string const & iName, size_t iWidth) {
+  ioOut.Print("  {}{:{}}", iName, "", iWidth - std::min(iWidth, Tool_GetNumChars(iName)));
+}
+
+void PrintClips(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+  size_t width = 4;
+  for (Host_Clip const & clip : iFile.mClips) {
+    width = std::max(width, Tool_GetNumChars(GetTrackName(iFile, clip.mTrack)));
+  }
+  ioOut.Print("\n clip track channel");
+  PrintName(ioOut, "name", width);
+  ioOut.Print("   notes      cc   bends program pressure    poly   sysex\n");
+  for (size_t i = 0; i < iFile.mClips.size(); ++i) {
+    Host_Clip const & clip = iFile.mClips[i];
+    Tool_Tally const tally(*clip.mChunk.Get());
+    ioOut.Print("{:>5} {:>5} {:>7}", i, clip.mTrack,
+                clip.mChannel < 0 ? "-" : std::to_string(clip.mChannel));
+    PrintName(ioOut, GetTrackName(iFile, clip.mTrack), width);
+    ioOut.Print(" {:>7} {:>7} {:>7} {:>7} {:>8} {:>7} {:>7}", tally.mNumNotes,
+                tally.mNumControllers, tally.mNumBends, tally.mNumPrograms, tally.mNumPressures,
+                tally.mNumPolyPressures, tally.mNumSysexes);
+    std::string const controllers = ListControllers(tally);
+    ioOut.Print("{}{}\n", controllers.empty() ? "" : "  ", controllers);
+  }
+}
+
+void PrintNotKept(Tool_Output & ioOut, Host_MidiReport const & iReport) {
+  std::vector<Host_MidiReport::NotKept> const notKept = iReport.GetNotKept();
+  ioOut.Print("\nnot kept in clips:{}\n", notKept.empty() ? " nothing" : "");
+  for (Host_MidiReport::NotKept const & line : notKept) {
+    ioOut.Print("{:>7}  {} (first at offset {:#x})\n", line.mCount, line.mName, line.mOffset);
+  }
+}
+
+void PrintProblems(Tool_Output & ioOut, Host_MidiReport const & iReport) {
+  if (iReport.GetNumProblems() == 0) return;
+  ioOut.Print("\nproblems:\n");
+  for (Host_MidiReport::Problem const & problem : iReport.GetProblems()) {
+    ioOut.Print("  offset {:#x}: {}\n", problem.mOffset, problem.mText);
+  }
+  long long const numMore =
+      iReport.GetNumProblems() - static_cast<long long>(iReport.GetProblems().size());
+  if (numMore > 0) ioOut.Print("  and {} more\n", numMore);
+}
+
+}  // namespace
+
+CLI::App * Tool_InfoCommand::AddTo(CLI::App & ioApp) {
+  CLI::App * const command = ioApp.add_subcommand(
+      "info", "Show what a file holds: tracks, clips, counts, length, tempo, what is not kept");
+  command->add_option("FILE", mFile, "A Standard MIDI File")->required();
+  return command;
+}
+
+int Tool_InfoCommand::Run() const {
+  Host_MidiFile const file = Tool_LoadFile(mFile);
+  Tool_Output out;
+  out.Print("{}\n", mFile);
+  PrintFormat(out, file);
+  PrintLength(out, file);
+  PrintTempo(out, file);
+  PrintTimeSignatures(out, file);
+  out.Print("  holds    {}, {}\n", Plural(static_cast<long long>(file.mTracks.size()), "track"),
+            Plural(static_cast<long long>(file.mClips.size()), "clip"));
+  if (!file.mClips.empty()) PrintClips(out, file);
+  PrintNotKept(out, file.mReport);
+  PrintProblems(out, file.mReport);
+  out.Flush();
+  return Tool_GetStatus(file);
+}

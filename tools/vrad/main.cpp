@@ -1,0 +1,47 @@
+// vrad: shows what the library makes of a MIDI file.
+#include <cstdio>
+#include <exception>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "tools/vrad/command_events.h"
+#include "tools/vrad/command_info.h"
+#include "tools/vrad/tool_error.h"
+#include "vrad/vrad_version.h"
+
+namespace {
+
+int Run(int iNumArgs, char ** iArgs) {
+  CLI::App app("Reads Standard MIDI Files into clips and hands out their events.", "vrad");
+  app.set_version_flag("--version", std::string("vrad ") + Vrad_GetVersion());
+  app.require_subcommand(1);
+  Tool_InfoCommand info;
+  Tool_EventsCommand events;
+  CLI::App const * const infoApp = info.AddTo(app);
+  CLI::App const * const eventsApp = events.AddTo(app);
+  try {
+    app.parse(iNumArgs, iArgs);
+  } catch (CLI::Success const & success) {
+    return app.exit(success);  // --help and --version
+  } catch (CLI::ParseError const & error) {
+    throw Tool_UsageError(error.what());
+  }
+  if (infoApp->parsed()) return info.Run();
+  if (eventsApp->parsed()) return events.Run();
+  return kStatus_BadCommandLine;
+}
+
+}  // namespace
+
+int main(int iNumArgs, char ** iArgs) {
+  try {
+    return Run(iNumArgs, iArgs);
+  } catch (Tool_UsageError const & error) {
+    fmt::print(stderr, "vrad: {}\nvrad: see vrad --help\n", error.what());
+    return kStatus_BadCommandLine;
+  } catch (std::exception const & error) {
+    fmt::print(stderr, "vrad: {}\n", error.what());
+    return kStatus_BadInput;
+  }
+}

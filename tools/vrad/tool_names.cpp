@@ -1,0 +1,46 @@
+#include "tools/vrad/tool_names.h"
+
+#include <vector>
+
+namespace {
+
+// The length of the UTF-8 character at iAt, 0 if none stands there or it is a control character.
+size_t GetCharLength(std::string const & iText, size_t iAt) {
+  unsigned char const first = static_cast<unsigned char>(iText[iAt]);
+  if (first < 0x80) return first < 0x20 || first == 0x7f ? 0 : 1;
+  if (first < 0xc2 || first > 0xf4) return 0;
+  size_t const length = first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
+  if (iText.size() - iAt < length) return 0;
+  for (size_t i = 1; i < length; ++i) {
+    if ((static_cast<unsigned char>(iText[iAt + i]) & 0xc0) != 0x80) return 0;
+  }
+  // The second row of control characters.
+  bool const isControl = first == 0xc2 && static_cast<unsigned char>(iText[iAt + 1]) < 0xa0;
+  return isControl ? 0 : length;
+}
+
+}  // namespace
+
+std::string Tool_MakePrintable(std::string const & iName, size_t iMaxChars) {
+  std::vector<std::string> chars;
+  for (size_t at = 0; at < iName.size() && chars.size() <= iMaxChars;) {
+    size_t const length = GetCharLength(iName, at);
+    chars.push_back(length == 0 ? "?" : iName.substr(at, length));
+    at += length == 0 ? 1 : length;
+  }
+  if (chars.size() > iMaxChars) {
+    chars.resize(iMaxChars);
+    chars.back() = "…";
+  }
+  std::string result;
+  for (std::string const & c : chars)
+    result += c;
+  return result;
+}
+
+size_t Tool_GetNumChars(std::string const & iName) {
+  size_t result = 0;
+  for (char c : iName)
+    result += (static_cast<unsigned char>(c) & 0xc0) != 0x80 ? 1u : 0u;
+  return result;
+}

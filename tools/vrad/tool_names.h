@@ -1,0 +1,11 @@
+// Names from files, made fit for a terminal.
+#pragma once
+
+#include <string>
+
+/// Control characters and bytes that are not UTF-8 become "?"; at most iMaxChars characters stay,
+/// the last of them "…" if there were more.
+std::string Tool_MakePrintable(std::string const & iName, size_t iMaxChars);
+
+/// In characters, not bytes. Needs: what `Tool_MakePrintable` gives.
+size_t Tool_GetNumChars(std::string const & iName);
