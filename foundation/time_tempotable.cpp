@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "foundation/time_typed.h"
 
@@ -47,16 +48,32 @@ Fraction Reduced(Wide const & iNum, Wide const & iDen) {
   return {iNum / divisor, iDen / divisor};
 }
 
-// Samples per tick, exactly: rate * 60 / (tempo * 960000). Tempos so extreme that one tick is 2^60
-// samples or 2^90 ticks are one sample get a bounded slope, which no 64-bit count can tell.
+// What a tempo or rate stands for: the first fraction of its expansion that rounds to the number,
+// so that 85.714285714285708 is 600 / 7 and the samples on which its ticks fall are met. A number
+// that no short fraction gives is taken as it is. Bounded to a range far beyond any use.
+Fraction AsFraction(double iValue) {
+  int exponent;
+  double const value = std::clamp(iValue, 0x1p-64, 0x1p64);
+  Wide const mantissa = static_cast<long long>(std::ldexp(std::frexp(value, &exponent), 53));
+  Wide const num = mantissa << std::max(exponent - 53, 0);
+  Wide const den = Wide(1) << std::max(53 - exponent, 0);
+  Wide const limit = Wide(1) << 53;
+  Fraction last = {0, 1}, result = {1, 0}, rest = {num, den};
+  while (rest.mDen != 0) {
+    Wide const whole = rest.mNum / rest.mDen;
+    rest = {rest.mDen, rest.mNum - whole * rest.mDen};
+    last =
+        std::exchange(result, {whole * result.mNum + last.mNum, whole * result.mDen + last.mDen});
+    if (result.mNum >= limit || result.mDen >= limit) break;
+    if (static_cast<double>(result.mNum) / static_cast<double>(result.mDen) == value) return result;
+  }
+  return {num, den};
+}
+
+// rate * 60 / (tempo * 960000)
 Fraction SamplesPerTick(double iTempo, double iSampleRate) {
-  int tempoExponent, rateExponent;
-  double const tempo = std::frexp(iTempo, &tempoExponent);
-  double const rate = std::frexp(iSampleRate, &rateExponent);
-  int const shift = std::clamp(rateExponent - tempoExponent, -80, 80);
-  Wide const num = static_cast<long long>(std::ldexp(rate, 53));
-  Wide const den = Wide(static_cast<long long>(std::ldexp(tempo, 53))) * 16000;
-  return Reduced(num << std::max(shift, 0), den << std::max(-shift, 0));
+  Fraction const tempo = AsFraction(iTempo), rate = AsFraction(iSampleRate);
+  return Reduced(rate.mNum * tempo.mDen, rate.mDen * tempo.mNum * 16000);
 }
 
 // Keeps the numbers within their fixed size. Only sums of many odd tempos come here, whose fraction

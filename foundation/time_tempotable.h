@@ -2,9 +2,9 @@
 //
 // Between two changes the position in samples is a straight line,
 //   sample + (offset + (tick - start) * num) / den,   0 <= offset < den,
-// with whole numbers throughout, so nothing drifts. Tempo and sample rate are taken as the exact
-// fractions that their doubles are. Where these fit, as for all tempos with few digits, a line has
-// 64-bit numbers and its products fit 128 bits; otherwise it has wide ones of fixed size.
+// with whole numbers throughout, so nothing drifts. Tempo and sample rate are taken as the
+// fractions that their doubles stand for. Nearly always a line has 64-bit numbers, whose products
+// fit 128 bits; sums of many odd tempos need wide ones of fixed size.
 #pragma once
 
 #include <vector>
