@@ -130,10 +130,11 @@ private:
   struct ReCreate {};
   explicit Vrad_ContinuousDataStream(ReCreate);
 
+  Vrad_ContinuousData const & GetData() const;
   Time_Typed SkipChased(Time_Typed iStart, Vrae_ChaseTracker const * iTrackerP) const;
 
   Vrae_SubStream mSubStream;
-  Ndo_Ptr<Vrad_ContinuousData> mDataP;  // null only in a restored stream whose data is gone
+  Ndo_Ptr<Vrad_ContinuousData> mDataP;  // null only in a restored stream whose data is gone: empty
 };
 
 /// The events of a stream in a range, as stored. Must not outlive the stream. Copies go on

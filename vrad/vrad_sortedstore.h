@@ -7,8 +7,13 @@
 // of the one unit that is asked for: there every correct search gives the same answer.
 #pragma once
 
+#include <algorithm>
+#include <vector>
+
 #include "cmn/cmn_chunkyvector.h"
 #include "cmn/cmn_polyvector.h"
+#include "foundation/ticktimesmatter.h"
+#include "foundation/time_convert.h"
 #include "foundation/time_typed.h"
 
 /// The marks that the digest of a sorted store leaves on each record; three bits are still free.
@@ -117,6 +122,60 @@ int Vrad_UpperBound(Cmn_ChunkyPODVector<T> const & iStore, Time_Typed iTime) {
   return Vrad_UpperBoundIn(iStore, 0, iStore.Size(), iTime);
 }
 
+/// The same from `iFirst` on, which no record of the answer may lie before.
+template <class TStore>
+int Vrad_LowerBoundFrom(TStore const & iStore, int iFirst, Time_Typed iTime) {
+  if (Vrad_HasKeysFor(iStore, iTime.GetType())) {
+    return std::max(iFirst, Vrad_LowerBound(iStore, iTime));
+  }
+  return Vrad_LowerBoundIn(iStore, iFirst, static_cast<int>(iStore.Size()), iTime);
+}
+template <class TStore>
+int Vrad_UpperBoundFrom(TStore const & iStore, int iFirst, Time_Typed iTime) {
+  if (Vrad_HasKeysFor(iStore, iTime.GetType())) {
+    return std::max(iFirst, Vrad_UpperBound(iStore, iTime));
+  }
+  return Vrad_UpperBoundIn(iStore, iFirst, static_cast<int>(iStore.Size()), iTime);
+}
+
+/// A stretch of a store, [mFirst, mLast).
+struct Vrad_IndexRange {
+  int mFirst;
+  int mLast;
+  bool IsEmpty() const { return mFirst >= mLast; }
+};
+
+/// What a bulk edit takes from its source: the records from `iStart` up to `iEnd`, whose bound is
+/// searched from the first bound on. Empty if `iEnd` is not after `iStart`.
+template <class TStore>
+Vrad_IndexRange Vrad_FindSource(TStore const & iStore, Time_Typed iStart, Time_Typed iEnd) {
+  if (!(iStart < iEnd)) return {0, 0};
+  int const first = Vrad_LowerBound(iStore, iStart);
+  return {first, Vrad_LowerBoundFrom(iStore, first, iEnd)};
+}
+
+/// Where a bulk edit merges into: the same with the records at `iEnd`, to whose time the grid may
+/// bring what is merged in.
+template <class TStore>
+Vrad_IndexRange Vrad_FindRegion(TStore const & iStore, Time_Typed iStart, Time_Typed iEnd) {
+  int const first = Vrad_LowerBound(iStore, iStart);
+  return {first, Vrad_UpperBoundFrom(iStore, first, iEnd)};
+}
+
+/// The time as a store keeps it after a shift: on the coarse grid if the store snaps and tick times
+/// matter.
+inline Time_Typed Vrad_ShiftedTime(Time_Typed iTime, Time_TypedLength iOffset, bool iSnaps) {
+  iTime += iOffset;
+  return iSnaps && TickTimesMatter::Active() ? Time_Convert::SnapToCoarseInternalTick(iTime)
+                                             : iTime;
+}
+
+/// Copies of the records of a stretch.
+template <class TRecord, class TStore>
+std::vector<TRecord> Vrad_CopyIndices(TStore const & iStore, Vrad_IndexRange iRange) {
+  return std::vector<TRecord>(iStore.begin() + iRange.mFirst, iStore.begin() + iRange.mLast);
+}
+
 /// Behind the last record, or behind those of equal time that are there. Gives the index.
 template <class TStore, class TRecord>
 int Vrad_InsertSorted(TStore & ioStore, TRecord const & iRecord) {
@@ -135,4 +194,27 @@ int Vrad_InsertSorted(TStore & ioStore, TRecord const & iRecord) {
 template <class TStore>
 void Vrad_EraseIndices(TStore & ioStore, int iFirst, int iLast) {
   ioStore.erase(ioStore.begin() + iFirst, ioStore.begin() + iLast);
+}
+
+/// Puts records in front of the one at `iIndex`.
+template <class T>
+void Vrad_InsertRecords(Cmn_ChunkyPODVector<T> & ioStore, int iIndex,
+                        std::vector<T> const & iRecords) {
+  if (iRecords.empty()) return;
+  ioStore.Insert(ioStore.begin() + iIndex, static_cast<int>(iRecords.size()), iRecords.data());
+}
+template <class T>
+void Vrad_InsertRecords(Cmn_PolyVector<T, 0> & ioStore, int iIndex,
+                        std::vector<T> const & iRecords) {
+  ioStore.insert(ioStore.begin() + iIndex, iRecords.data(), iRecords.data() + iRecords.size());
+}
+
+/// Puts records in the place of a stretch.
+/// Fails: `std::bad_alloc`; the new records may then stand in front of the stretch.
+template <class TStore, class TRecord>
+void Vrad_ReplaceIndices(TStore & ioStore, Vrad_IndexRange iRange,
+                         std::vector<TRecord> const & iRecords) {
+  int const num = static_cast<int>(iRecords.size());
+  Vrad_InsertRecords(ioStore, iRange.mFirst, iRecords);
+  Vrad_EraseIndices(ioStore, iRange.mFirst + num, iRange.mLast + num);
 }
