@@ -42,7 +42,7 @@ public:
     std::atomic<long long> mNumAllocs, mNumFrees, mNumFailures, mBytesInUse;
   };
 
-  /// A pool of `iPoolBytes`, rounded down to 16; the tables take about a third of that on top.
+  /// A pool of `iPoolBytes`, rounded down to 16; the tables take another 27 % on top.
   /// Fails: `std::bad_alloc`.
   explicit Mem2_MasterAllocator(int iPoolBytes);
   Mem2_MasterAllocator(Mem2_MasterAllocator const &) = delete;
