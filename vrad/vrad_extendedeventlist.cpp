@@ -1,6 +1,7 @@
 #include "vrad/vrad_extendedeventlist.h"
 
 #include "cmn/cmn_assert.h"
+#include "vrad/vrad_sortedstore.h"
 
 bool Vrad_DisplayItem::sMIDIDisplayPropertyEffects = true;
 
@@ -37,19 +38,11 @@ bool Vrad_DisplayItem::PlaybackOrdering(Vrad_DisplayItem const & iA, Vrad_Displa
 }
 
 Vrad_DisplayItem const * Vrad_DisplayItemList::FindTime(Time_Typed iTime) const {
-  // Probes as every search of the library does, so that an unsorted list answers alike.
-  const_iterator first = begin();
-  size_t numLeft = size();
-  while (numLeft > 0) {
-    size_t const half = numLeft / 2;
-    if (first[half].mTime < iTime) {
-      first += half + 1;
-      numLeft -= half + 1;
-    } else {
-      numLeft = half;
-    }
-  }
-  return first;
+  int const index =
+      Vrad_FindFirstNotBefore(0, static_cast<int>(size()), [this, iTime](int iIndex) {
+        return (*this)[static_cast<size_t>(iIndex)].mTime < iTime;
+      });
+  return begin() + index;
 }
 
 Vrad_EventListWrapper::Vrad_EventListWrapper(Vrae_TimedEventList * iListP)
