@@ -9,7 +9,7 @@
 
 // A sound event of one kind, 0 to 23. Kind 15 is complete, of 20 stored bytes.
 inline Vrae_Event MakeSampleEvent(int iKind) {
-  static unsigned char const kContents[18] = {1, 2,  3,  4,  5,  6,  7,  8,  9,
+  static unsigned char const kContents[18] = {1,  2,  3,  4,  5,  6,  7,  8,  9,
                                               10, 11, 12, 13, 14, 15, 16, 17, 18};
   Time_TypedLength const duration(480, Time_eType_Ticks);
   switch (iKind) {

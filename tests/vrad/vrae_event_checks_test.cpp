@@ -110,14 +110,10 @@ Row const kReporting[] = {
      [] { Vrae_PitchToMIDINoteWithDuration(60, Ticks(1), 80, 64, -0.5f); },
      {}},
     {"PitchToMIDISetFraction",
-     [] {
-       Vrae_PitchToMIDINoteWithDuration(60, Ticks(1), 80, 64, 0.0f).SetFractionalPitch(-0.5f);
-     },
+     [] { Vrae_PitchToMIDINoteWithDuration(60, Ticks(1), 80, 64, 0.0f).SetFractionalPitch(-0.5f); },
      {"inFractionalPitch >= 0"}},
     {"PitchToMIDISetFractionZero",
-     [] {
-       Vrae_PitchToMIDINoteWithDuration(60, Ticks(1), 80, 64, 1.0f).SetFractionalPitch(0.0f);
-     },
+     [] { Vrae_PitchToMIDINoteWithDuration(60, Ticks(1), 80, 64, 1.0f).SetFractionalPitch(0.0f); },
      {}},
     {"PitchBendLow", [] { Vrae_PitchBendEvent(-8193); }, {"-8192 <= iBend && iBend <= 8191"}},
     {"PitchBendHigh", [] { Vrae_PitchBendEvent(8192); }, {"-8192 <= iBend && iBend <= 8191"}},
@@ -284,6 +280,7 @@ TEST_P(ReportingCheck, ReportsItsTextsInOrder) {
 TEST_P(ReportingCheck, IsOfTheReturningFormWithTheFlagUp) {
   Cmn_AssertRecorder const recorder;
   GetParam().mBody();
+  EXPECT_EQ(recorder.GetEntries().size(), GetParam().mTexts.size());
   for (Cmn_AssertRecorder::Entry const & entry : recorder.GetEntries()) {
     EXPECT_FALSE(entry.mThrowing);
     EXPECT_TRUE(entry.mFlag);
@@ -376,11 +373,9 @@ std::vector<ViewRow> MakeViewRows() {
               &E::AsReleaseController, &E::AsReleaseController),
       MakeRow("QuarterFrame", {21}, "mU.mBase.mType == kQuarterFrame", &E::AsQuarterFrame,
               &E::AsQuarterFrame),
-      MakeRow("PitchToMIDINoteWithDuration", {22},
-              "mU.mBase.mType == kPitchToMIDINoteWithDuration", &E::AsPitchToMIDINoteWithDuration,
-              &E::AsPitchToMIDINoteWithDuration),
-      MakeRow("ClipEvent", {23}, "mU.mBase.mType == kClipEvent", &E::AsClipEvent,
-              &E::AsClipEvent),
+      MakeRow("PitchToMIDINoteWithDuration", {22}, "mU.mBase.mType == kPitchToMIDINoteWithDuration",
+              &E::AsPitchToMIDINoteWithDuration, &E::AsPitchToMIDINoteWithDuration),
+      MakeRow("ClipEvent", {23}, "mU.mBase.mType == kClipEvent", &E::AsClipEvent, &E::AsClipEvent),
   };
 }
 
@@ -391,8 +386,7 @@ protected:
   void ExpectReports(TBody const & iBody) {
     for (int kind = -1; kind <= 24; ++kind) {
       SCOPED_TRACE(kind);
-      bool const fits =
-          std::count(GetParam().mKinds.begin(), GetParam().mKinds.end(), kind) != 0;
+      bool const fits = std::count(GetParam().mKinds.begin(), GetParam().mKinds.end(), kind) != 0;
       Vrae_Event event = 0 <= kind && kind <= 23 ? MakeSampleEvent(kind) : MakeBlankEvent(kind);
       EXPECT_EQ(GetFailedChecks([&] { iBody(event); }), fits ? Texts() : Texts{GetParam().mText});
     }
