@@ -11,7 +11,7 @@ void AddNote(Vrad_Chunk & ioChunk, Time_Typed iStart, signed char iPitch) {
 }
 
 void Print(char const * iWhen, Vrad_Chunk const & iChunk) {
-  std::printf("%s: %d notes", iWhen, iChunk.GetNoteList()->Size());
+  std::printf("%s: %llu notes", iWhen, iChunk.GetNoteList()->Size());
   std::printf(", %d to undo, %d to redo\n", Ndo_gManager.GetNumUndoSteps(),
               Ndo_gManager.GetNumRedoSteps());
 }
