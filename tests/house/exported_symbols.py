@@ -7,10 +7,11 @@ import subprocess
 import sys
 
 PREFIX = (r"(Cmn|I18N|L10N|Mem2|Ndo|Sys|Time|Vrad|Vrae|Vras)_\w|TickTimesMatter\b|"
-          r"g?LumTrace|gAvoidOverlapsAndDuplicates$")
+          r"SPSAtomicElementBase\b|g?LumTrace|gAvoidOverlapsAndDuplicates$")
 OURS = re.compile(rf"({PREFIX})")
 # Compiler-made companions of a class, and operators that take one of our classes first.
-COMPANION = re.compile(rf"(vtable|typeinfo|typeinfo name|VTT|guard variable) for ({PREFIX})|"
+COMPANION = re.compile(rf"(vtable|typeinfo|typeinfo name|VTT|guard variable|"
+                       rf"(non-)?virtual thunk) (for|to) ({PREFIX})|"
                        rf"(operator\W+|intrusive_ptr_(add_ref|release))\(({PREFIX})")
 
 

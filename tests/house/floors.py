@@ -12,7 +12,7 @@ import tempfile
 # The longest beginning of a name that is listed decides.
 FLOORS = [
     ["foundation/vrad_export", "foundation/sys_atomic", "foundation/sys_delayeddeletion",
-     "foundation/sys_umid", "foundation/sys_random", "foundation/mem2_masterallocator",
+     "foundation/sys_umid", "foundation/sys_random", "foundation/mem2_",
      "foundation/lumtrace"],
     ["cmn/"],
     ["foundation/time_", "foundation/ticktimesmatter", "foundation/sys_stream",
@@ -20,7 +20,8 @@ FLOORS = [
     ["vrad/vrad_version", "vrad/vrad_init", "vrad/vrad_strings", "vrad/vrad_n10n"],
     ["vrad/vrae_"],
     ["vrad/vrad_extendedevent"],
-    ["vrad/vrad_extendedeventlist", "vrad/vrad_sortedstore"],
+    ["vrad/vrad_extendedeventlist", "vrad/vrad_sortedstore",
+     "vrad/vrad_eventfiling"],
     ["vrad/vrad_notelist", "vrad/vrad_continuousdata"],
     ["vrad/vrad_continuousdatastream", "vrad/vrad_eventstream"],
     ["vrad/vrad_chunk"],
