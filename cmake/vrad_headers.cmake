@@ -27,7 +27,6 @@ set(VRAD_HEADERS
   ndo/ndo_stateref.h
   vrad/vrad.h
   vrad/vrad_chunk.h
-  vrad/vrad_chunkref.h
   vrad/vrad_continuousdata.h
   vrad/vrad_continuousdatastream.h
   vrad/vrad_eventstream.h
@@ -36,22 +35,25 @@ set(VRAD_HEADERS
   vrad/vrad_init.h
   vrad/vrad_n10n.h
   vrad/vrad_notelist.h
-  vrad/vrad_scrub.h
   vrad/vrad_version.h
   vrad/vrae_chasetracker.h
   vrad/vrae_chasetrackermap.h
   vrad/vrae_event.h
   vrad/vrae_filter.h
-  vrad/vrae_noteinprogress.h
   vrad/vrae_substream.h
   vrad/vrae_sysexdatabase.h
   vrad/vrae_timedevent.h
-  vrad/vrae_traceutil.h
-  vrad/vrae_trackstate.h)
-foreach(header ${VRAD_HEADERS})
-  if(NOT EXISTS ${PROJECT_SOURCE_DIR}/${header})
-    list(REMOVE_ITEM VRAD_HEADERS ${header})
-  endif()
-endforeach()
+  vrad/vrae_traceutil.h)
+
+# Of what a small host puts around the library.
+set(VRAD_HOST_HEADERS
+  host/host_midibars.h
+  host/host_midifile.h
+  host/host_midiparser.h
+  host/host_midireport.h
+  host/host_miditiming.h)
+
 list(JOIN VRAD_HEADERS "\n" lines)
+list(JOIN VRAD_HOST_HEADERS "\n" host_lines)
+string(APPEND lines "\n" ${host_lines})
 file(WRITE ${PROJECT_BINARY_DIR}/installed_headers.txt "${lines}\n")

@@ -1,5 +1,5 @@
-# What is installed, and how other projects find it. Two components: Runtime holds the shared
-# library, Development the rest.
+# What is installed, and how other projects find it. Three components: Runtime holds the shared
+# library, Tools the command-line tool, Development the rest.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vrad)
@@ -8,7 +8,9 @@ install(TARGETS vrad EXPORT vradTargets
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development)
-foreach(header ${VRAD_HEADERS})
+install(TARGETS vrad_host EXPORT vradTargets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development)
+foreach(header ${VRAD_HEADERS} ${VRAD_HOST_HEADERS})
   cmake_path(GET header PARENT_PATH folder)
   install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vrad/${folder}
           COMPONENT Development)

@@ -2,7 +2,7 @@
 
 # Each installed header is compiled alone, and twice in one file.
 set(header_sources)
-foreach(header ${VRAD_HEADERS})
+foreach(header ${VRAD_HEADERS} ${VRAD_HOST_HEADERS})
   set(source ${CMAKE_CURRENT_BINARY_DIR}/headers/${header}.cpp)
   file(CONFIGURE OUTPUT ${source} CONTENT "#include \"${header}\"\n#include \"${header}\"\n")
   list(APPEND header_sources ${source})
@@ -10,7 +10,7 @@ endforeach()
 if(NOT VRAD_SANITIZE)
   add_library(vrad_headers_compile OBJECT ${header_sources})
   vrad_warnings(vrad_headers_compile)
-  target_link_libraries(vrad_headers_compile PRIVATE vrad)
+  target_link_libraries(vrad_headers_compile PRIVATE vrad_host)
 endif()
 
 # Checks that read sources or the shipped library give the same answer under every sanitizer.

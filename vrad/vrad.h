@@ -1,0 +1,22 @@
+// All of the library. Hosts may include this; the library itself never does.
+#pragma once
+
+#include "foundation/foundation.h"
+#include "vrad/vrad_chunk.h"
+#include "vrad/vrad_continuousdata.h"
+#include "vrad/vrad_continuousdatastream.h"
+#include "vrad/vrad_eventstream.h"
+#include "vrad/vrad_extendedevent.h"
+#include "vrad/vrad_extendedeventlist.h"
+#include "vrad/vrad_init.h"
+#include "vrad/vrad_n10n.h"
+#include "vrad/vrad_notelist.h"
+#include "vrad/vrad_version.h"
+#include "vrad/vrae_chasetracker.h"
+#include "vrad/vrae_chasetrackermap.h"
+#include "vrad/vrae_event.h"
+#include "vrad/vrae_filter.h"
+#include "vrad/vrae_substream.h"
+#include "vrad/vrae_sysexdatabase.h"
+#include "vrad/vrae_timedevent.h"
+#include "vrad/vrae_traceutil.h"
