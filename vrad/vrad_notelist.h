@@ -121,6 +121,7 @@ private:
   bool KnowsEndsIn(Time_EType iType) const;
   void ShareLongNoteList(Ndo_Ptr<Vrad_NoteListBase> const & iListP);
   Time_Typed SplitTime(Time_Typed iTime) const;
+  static Vrad_NoteWithDurationExtendedEvent ToExtendedEvent(Vrad_NoteListBase_Note const & iNote);
 
   template <class TNoteFound>
   void WalkEndsBefore(Time_Typed iEnd, int iFirst, TNoteFound iFound) const;
