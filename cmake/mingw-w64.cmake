@@ -16,14 +16,15 @@ set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
 
 # Header-only packages of the building system serve both systems. They are reached through a folder
-# of their own, since the folder they lie in holds the other system's C headers too.
+# of links, since the folder they lie in holds the other system's C headers too.
 set(VRAD_SHARED_HEADERS /usr/include CACHE PATH "Where the building system has boost/, CLI/, fmt/")
-set(shared_headers ${CMAKE_BINARY_DIR}/shared-headers)
-file(MAKE_DIRECTORY ${shared_headers})
+set(VRAD_HEADER_LINKS ${CMAKE_BINARY_DIR}/shared-headers)
+file(MAKE_DIRECTORY ${VRAD_HEADER_LINKS})
 foreach(package boost CLI fmt)
   if(EXISTS ${VRAD_SHARED_HEADERS}/${package})
-    file(CREATE_LINK ${VRAD_SHARED_HEADERS}/${package} ${shared_headers}/${package} SYMBOLIC)
+    file(CREATE_LINK ${VRAD_SHARED_HEADERS}/${package} ${VRAD_HEADER_LINKS}/${package} SYMBOLIC)
   endif()
 endforeach()
+list(APPEND CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR}/shared-headers)
 set(Boost_NO_BOOST_CMAKE ON)
-set(Boost_INCLUDE_DIR ${shared_headers} CACHE PATH "Boost's headers")
+set(Boost_INCLUDE_DIR ${VRAD_HEADER_LINKS} CACHE PATH "Boost's headers")

@@ -137,6 +137,7 @@ TEST(Boundary_Global, TimeConverterCanBeReplaced) {
   Time_TempoMap map(60.0);
   Time_Converter * const former = Time_Convert::sTimeConverter;
   Time_Convert::sTimeConverter = &map;
-  EXPECT_EQ(48000, Time_Convert::ToType(Time_Tick(960000), Time_eType_Samples).AsInt64());
+  EXPECT_EQ(48000,
+            Time_Convert::sTimeConverter->ToType(Time_Tick(960000), Time_eType_Samples).AsInt64());
   Time_Convert::sTimeConverter = former;
 }
