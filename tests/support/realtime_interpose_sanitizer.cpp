@@ -1,4 +1,5 @@
-// Under a sanitizer, which has replaced the heap already, its hooks tell of each call.
+// Under a sanitizer, which has replaced the heap already, its hooks tell of each call; the thread
+// sanitizer leaves aligned_alloc out.
 #include <cstddef>
 
 #include "support/realtime_interpose.h"
