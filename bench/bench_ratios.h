@@ -1,0 +1,46 @@
+// Benchmarks in pairs: the library against a plain sorted vector of the same records, in one run.
+// A benchmark "list/Build/1000" is measured against "vector/Build/1000"; the ratios of CPU time
+// come after the table. With repetitions it is the ratio of the fastest.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <string>
+
+class Bench_RatioReporter : public benchmark::ConsoleReporter {
+public:
+  void ReportRuns(std::vector<Run> const & iRuns) override {
+    benchmark::ConsoleReporter::ReportRuns(iRuns);
+    for (Run const & run : iRuns) {
+      if (run.run_type != Run::RT_Iteration) continue;
+      double const time = run.GetAdjustedCPUTime();
+      auto const [iter, isNew] = mFastest.try_emplace(run.benchmark_name(), time);
+      if (!isNew) iter->second = std::min(iter->second, time);
+    }
+  }
+
+  void PrintRatios() const {
+    std::printf("\n%-44s %12s\n", "list over vector", "ratio");
+    for (auto const & [name, time] : mFastest) {
+      if (name.rfind("list/", 0) != 0) continue;
+      auto const other = mFastest.find("vector/" + name.substr(5));
+      if (other == mFastest.end()) continue;
+      std::printf("%-44s %12.3f\n", name.substr(5).c_str(), time / other->second);
+    }
+  }
+
+private:
+  std::map<std::string, double> mFastest;  // CPU time by name of benchmark
+};
+
+inline int Bench_RunWithRatios(int iNumArgs, char ** iArgs) {
+  benchmark::Initialize(&iNumArgs, iArgs);
+  if (benchmark::ReportUnrecognizedArguments(iNumArgs, iArgs)) return 1;
+  Bench_RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  reporter.PrintRatios();
+  return 0;
+}
