@@ -88,8 +88,8 @@ Vrad_NoteWithDurationExtendedEvent::Vrad_NoteWithDurationExtendedEvent(
   *this = iOther;
 }
 
-Vrad_NoteWithDurationExtendedEvent const & Vrad_NoteWithDurationExtendedEvent::operator=(
-    Vrad_NoteWithDurationExtendedEvent const & iOther) {
+Vrad_NoteWithDurationExtendedEvent const &
+Vrad_NoteWithDurationExtendedEvent::operator=(Vrad_NoteWithDurationExtendedEvent const & iOther) {
   CopyTimeAndEvent(iOther);
   mExtensionKind = kExtension_Note;
   SetQuantizeTimeDelta(iOther.GetQuantizeTimeDelta());
@@ -149,11 +149,7 @@ Vrad_NoteListBase_Note::Vrad_NoteListBase_Note(Time_Typed iTime,
                                                Time_TypedLength const & iDelta,
                                                Vrae_NoteWithDurationEvent const & iOrig,
                                                bool iMuted)
-    : mTime(iTime),
-      mEvent(iEvent),
-      mQuantizeTimeDelta(iDelta),
-      mOrigEvent(iOrig),
-      mMuted(iMuted) {}
+    : mTime(iTime), mEvent(iEvent), mQuantizeTimeDelta(iDelta), mOrigEvent(iOrig), mMuted(iMuted) {}
 
 Vrad_NoteListBase_Note::Vrad_NoteListBase_Note(Vrad_NoteWithDurationExtendedEvent const & iEvent)
     : mTime(iEvent.mTime),

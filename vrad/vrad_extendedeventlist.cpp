@@ -38,10 +38,9 @@ bool Vrad_DisplayItem::PlaybackOrdering(Vrad_DisplayItem const & iA, Vrad_Displa
 }
 
 Vrad_DisplayItem const * Vrad_DisplayItemList::FindTime(Time_Typed iTime) const {
-  int const index =
-      Vrad_FindFirstNotBefore(0, static_cast<int>(size()), [this, iTime](int iIndex) {
-        return (*this)[static_cast<size_t>(iIndex)].mTime < iTime;
-      });
+  int const index = Vrad_FindFirstNotBefore(0, static_cast<int>(size()), [this, iTime](int iIndex) {
+    return (*this)[static_cast<size_t>(iIndex)].mTime < iTime;
+  });
   return begin() + index;
 }
 
@@ -82,7 +81,8 @@ Vrae_TimedEvent & Vrad_EventListWrapper::operator[](unsigned long long iIndex) {
 }
 
 Vrad_ExtendedEvent & Vrad_EventListWrapper::GetExtendedEvent(unsigned long long iIndex) {
-  if (CMN_CHECK(mExtListP != nullptr, "mExtListP")) return (*mExtListP)[static_cast<size_t>(iIndex)];
+  if (CMN_CHECK(mExtListP != nullptr, "mExtListP"))
+    return (*mExtListP)[static_cast<size_t>(iIndex)];
   static Vrad_ExtendedEvent sBlank;
   sBlank = Vrad_ExtendedEvent();
   return sBlank;

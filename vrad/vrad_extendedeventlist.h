@@ -24,9 +24,9 @@ public:
   /// The new event or the original one, as the switch above says.
   Vrad_ExtendedEvent const & GetDisplayedEvent() const;
 
-  /// By time, playback priority, kind, then the events' own order, of the new events alone. The last
-  /// step is true both ways for kinds without fields, and throws for two notes with a fractional
-  /// pitch.
+  /// By time, playback priority, kind, then the events' own order, of the new events alone. The
+  /// last step is true both ways for kinds without fields, and throws for two notes with a
+  /// fractional pitch.
   static bool PlaybackOrdering(Vrad_DisplayItem const & iA, Vrad_DisplayItem const & iB);
 
   Time_Typed mTime;  // the sort time, also when the display shows the original
@@ -37,8 +37,7 @@ public:
 };
 
 /// A vector of extended events.
-class VRAD_EXPORT Vrad_ExtendedEventList : public Cmn_PolyVector<Vrad_ExtendedEvent, 0> {
-};
+class VRAD_EXPORT Vrad_ExtendedEventList : public Cmn_PolyVector<Vrad_ExtendedEvent, 0> {};
 
 /// A vector of display items.
 class VRAD_EXPORT Vrad_DisplayItemList : public Cmn_PolyVector<Vrad_DisplayItem, 0> {
@@ -75,8 +74,8 @@ public:
   /// Null unless this is a display list, which must not be empty.
   Vrad_DisplayItem * LastDisplayItem();
 
-  /// Appends. A timed list keeps the timed part, with its stamp. Display lists take items alone, the
-  /// others events alone: what does not fit is ignored, so that a store may offer both.
+  /// Appends. A timed list keeps the timed part, with its stamp. Display lists take items alone,
+  /// the others events alone: what does not fit is ignored, so that a store may offer both.
   void push_back(Vrad_ExtendedEvent const & iEvent);
   void push_back(Vrad_DisplayItem const & iItem);
 

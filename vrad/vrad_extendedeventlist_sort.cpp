@@ -68,7 +68,8 @@ T * Rotate(T * iFirst, T * iMiddle, T * iLast) {
   std::ptrdiff_t right = iLast - iMiddle;
   while (left > 0 && right > 0) {
     std::ptrdiff_t const block = std::min(left, right);
-    for (std::ptrdiff_t i = 0; i < block; ++i) Swap(iFirst[i], iMiddle[i]);
+    for (std::ptrdiff_t i = 0; i < block; ++i)
+      Swap(iFirst[i], iMiddle[i]);
     iFirst += block;
     if (left <= right) {
       iMiddle += block;
@@ -83,7 +84,8 @@ T * Rotate(T * iFirst, T * iMiddle, T * iLast) {
 template <class T>
 T * FindRunEnd(T * iFirst, T * iLast) {
   T * at = iFirst + 1;
-  while (at != iLast && !GoesBefore(*at, at[-1])) ++at;
+  while (at != iLast && !GoesBefore(*at, at[-1]))
+    ++at;
   return at;
 }
 
@@ -101,7 +103,8 @@ public:
 
   void Sort() {
     std::iota(mRanks, mRanks + mEnds[mNumRuns], Rank(0));
-    while (mNumRuns > 1) MergePairs();
+    while (mNumRuns > 1)
+      MergePairs();
     Apply();
   }
 
@@ -210,7 +213,8 @@ void SortRuns(T * iFirst, T * iLast) {
            starts[numRuns - 1] - starts[numRuns - 2] < 2 * (at - starts[numRuns - 1]))
       mergeLast(at);
   }
-  while (numRuns > 1) mergeLast(iLast);
+  while (numRuns > 1)
+    mergeLast(iLast);
 }
 
 template <class TList>

@@ -137,8 +137,7 @@ bool Vrae_ChaseTracker::IsChasing(Vrae_SubStream const & iSubStream) const {
   return FindChasingEntry(&index, iSubStream);
 }
 
-bool Vrae_ChaseTracker::IsReleasing(int * oReleaseValueP,
-                                    Vrae_SubStream const & iSubStream) const {
+bool Vrae_ChaseTracker::IsReleasing(int * oReleaseValueP, Vrae_SubStream const & iSubStream) const {
   int index;
   if (!FindEntry(&index, iSubStream) || !GetEntryIsReleasing(index)) return false;
   if (oReleaseValueP != nullptr) *oReleaseValueP = GetEntryReleaseValue(index);
@@ -201,7 +200,8 @@ Vrae_ChaseTracker_ChasingEntry Vrae_ChaseTracker_ActiveChasingIterator::operator
 void Vrae_ChaseTracker_ActiveChasingIterator::operator++() {
   if (!CMN_REQUIRE(!AtEnd(), "!this->AtEnd()")) return;
   ++mIndex;
-  while (!AtEnd() && !mTrackerP->GetEntryIsActive(mIndex)) ++mIndex;
+  while (!AtEnd() && !mTrackerP->GetEntryIsActive(mIndex))
+    ++mIndex;
 }
 
 Vrae_ChaseTracker_ActiveReleasingIterator::Vrae_ChaseTracker_ActiveReleasingIterator(

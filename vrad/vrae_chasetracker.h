@@ -1,4 +1,5 @@
-// The current value of each followed sub-stream, and the events that lead from one state to another.
+// The current value of each followed sub-stream, and the events that lead from one state to
+// another.
 #pragma once
 
 #include <memory>
@@ -96,12 +97,12 @@ public:
   void Release(Vrae_EventReceiver * iOutputP, EReleaseMode iMode);
 
   /// This tracker is the new state: sends what differs from the old one, then releases what the old
-  /// one held and this one does not. Entry 0 is taken as active. A null old state differs in all and
-  /// releases nothing. The old state ends without an active releasing entry.
+  /// one held and this one does not. Entry 0 is taken as active. A null old state differs in all
+  /// and releases nothing. The old state ends without an active releasing entry.
   void ChaseAndRelease(Vrae_ChaseTracker * iOldStateP, Vrae_EventReceiver * iOutputP) const;
 
-  /// Releases the sub-stream whose index the event carries, if it is active. With a null receiver it
-  /// is forgotten silently.
+  /// Releases the sub-stream whose index the event carries, if it is active. With a null receiver
+  /// it is forgotten silently.
   void HandleReleaseEvent(Vrae_ReleaseControllerEvent const & iEvent,
                           Vrae_EventReceiver * iOutputP);
 

@@ -88,8 +88,7 @@ void Vrae_ChaseTracker::DoUnMute(Vrae_EventReceiver * iOutputP) const {
     if (!GetEntryIsActive(index)) continue;
     bool const mustUndoRelease =
         GetEntryIsReleasing(index) && GetEntryValue(index) != GetEntryReleaseValue(index);
-    if (mChanged[index] || mustUndoRelease)
-      OutputForEntry(index, iOutputP, GetEntryValue(index));
+    if (mChanged[index] || mustUndoRelease) OutputForEntry(index, iOutputP, GetEntryValue(index));
   }
 }
 
@@ -126,8 +125,7 @@ void Vrae_ChaseTracker::UpdateUnMutedEntry(int iIndex, Vrae_ChaseTracker const &
   // An entry that is neither active nor releasing leaves the old value in force.
   if (!isActive && !(isActiveInOld && GetEntryIsReleasing(iIndex))) return;
   int const value = isActive ? GetEntryValue(iIndex) : GetEntryReleaseValue(iIndex);
-  if (!isActiveInOld || !iOld.HoldsValue(oldIndex, value))
-    OutputForEntry(iIndex, iOutputP, value);
+  if (!isActiveInOld || !iOld.HoldsValue(oldIndex, value)) OutputForEntry(iIndex, iOutputP, value);
 }
 
 // A release-only entry holds no value, so whatever is asked for differs from it.

@@ -24,13 +24,11 @@ Time_Typed AfterWindow(Time_Typed iStart) {
 
 bool Vrae_TimedEvent::IsNoteWithDurationEvent() const {
   signed char const kind = mEvent.GetType();
-  return kind == Vrae_Event::kNoteWithDuration ||
-         kind == Vrae_Event::kPitchToMIDINoteWithDuration;
+  return kind == Vrae_Event::kNoteWithDuration || kind == Vrae_Event::kPitchToMIDINoteWithDuration;
 }
 
 Time_TypedLength Vrae_TimedEvent::GetDuration() const {
-  return IsNoteWithDurationEvent() ? mEvent.AsNoteWithDuration().GetDuration()
-                                   : Time_TypedLength();
+  return IsNoteWithDurationEvent() ? mEvent.AsNoteWithDuration().GetDuration() : Time_TypedLength();
 }
 
 bool Vrae_TimedEvent::PlaybackOrdering(Vrae_TimedEvent const & iA, Vrae_TimedEvent const & iB) {

@@ -60,7 +60,8 @@ std::string SysexText(Vrae_SysexPacketEvent const & iPacket, long long & ioRoom)
   }
   int const numBytes = iPacket.GetLength();
   int index = 0;
-  for (; index < numBytes && length() <= ioRoom - 26; ++index) AppendByte(text, iPacket, index);
+  for (; index < numBytes && length() <= ioRoom - 26; ++index)
+    AppendByte(text, iPacket, index);
   if (index >= numBytes) return text;
   if (length() < ioRoom - 5) text += " ...";
   if (length() < ioRoom - 14) {
@@ -154,8 +155,7 @@ void Vrae_TraceUtil::PrintMidiEvent(Vrae_Event const & iEvent, std::ostream & oS
 
 void Vrae_TraceUtil::PrintTimedEventList(Vrae_TimedEventList * iListP, std::ostream & oStream) {
   for (Vrae_TimedEvent const & event : *iListP) {
-    oStream << event.mTime.AsInt64()
-            << (event.mTime.GetType() == Time_eType_Ticks ? "t  " : "s  ");
+    oStream << event.mTime.AsInt64() << (event.mTime.GetType() == Time_eType_Ticks ? "t  " : "s  ");
     PrintMidiEvent(event.mEvent, oStream);
     oStream << '\n';
   }

@@ -69,7 +69,8 @@ bool IsChasing(int iIndex) {
 void FeedModel(Model & ioModel, Step const & iStep) {
   auto const [what, index, value, time] = iStep;
   if (what == 6) {
-    for (auto & [key, entry] : ioModel) entry.mIsActive = false;
+    for (auto & [key, entry] : ioModel)
+      entry.mIsActive = false;
     return;
   }
   if (!IsFollowed(index)) return;
@@ -166,8 +167,8 @@ RC_GTEST_PROP(ChaseTracker, HoldsWhatItWasFed, ()) {
     RC_ASSERT(chasing.mIsActive == entry.mIsActive);
     RC_ASSERT(chasing.mValue == entry.mValue);
     bool const mustSend =
-        entry.mIsActive && (entry.mIsChanged ||
-                            (IsReleasing(index) && entry.mValue != ReleaseValue(index)));
+        entry.mIsActive &&
+        (entry.mIsChanged || (IsReleasing(index) && entry.mValue != ReleaseValue(index)));
     RC_ASSERT(unmuted.mValues.count(index) == (mustSend ? 1u : 0u));
   }
 }
@@ -184,7 +185,8 @@ RC_GTEST_PROP(ChaseTracker, ChaseAndReleaseBringsTheReceiverToTheNewState, ()) {
   expected[kEntryZero] = 0;  // entry 0 is released last, whatever it holds
   RC_ASSERT(receiver.mValues == expected);
   RC_ASSERT(recorder.GetNum() == 1);
-  for (int index : {0, 64, 120, kReleaseOnly}) RC_ASSERT(!older.IsActive(SubStreamAt(index)));
+  for (int index : {0, 64, 120, kReleaseOnly})
+    RC_ASSERT(!older.IsActive(SubStreamAt(index)));
 }
 
 RC_GTEST_PROP(ChaseTracker, DoUnMutedUpdateBringsTheReceiverToTheNewState, ()) {

@@ -38,8 +38,7 @@ Key KeyOf(Time_Typed iTime, Vrae_Event const & iEvent) {
   if (iEvent.GetType() == Vrae_Event::kNoteWithDuration)
     return {iTime, true, static_cast<int>(iEvent.AsNoteWithDuration().GetDuration().AsInt64()) - 1};
   unsigned char const * const contents = iEvent.AsSysex().GetInternalDataPtr();
-  return {iTime, false,
-          contents[0] | contents[1] << 7 | contents[2] << 14 | contents[3] << 21};
+  return {iTime, false, contents[0] | contents[1] << 7 | contents[2] << 14 | contents[3] << 21};
 }
 
 // Fills, sorts and reads one kind of list.
@@ -71,14 +70,16 @@ struct DisplayKind {
 template <class TKind>
 typename TKind::List MakeList(std::vector<Key> const & iKeys) {
   typename TKind::List list;
-  for (Key const & key : iKeys) list.push_back(TKind::Make(key));
+  for (Key const & key : iKeys)
+    list.push_back(TKind::Make(key));
   return list;
 }
 
 template <class TKind>
 std::vector<Key> Read(typename TKind::List const & iList) {
   std::vector<Key> keys;
-  for (auto const & element : iList) keys.push_back(TKind::Read(element));
+  for (auto const & element : iList)
+    keys.push_back(TKind::Read(element));
   return keys;
 }
 
@@ -97,12 +98,14 @@ bool GoesBefore<DisplayKind>(Key const & iA, Key const & iB) {
 
 std::vector<int> NumbersOf(std::vector<Key> const & iKeys) {
   std::vector<int> numbers;
-  for (Key const & key : iKeys) numbers.push_back(key.mNumber);
+  for (Key const & key : iKeys)
+    numbers.push_back(key.mNumber);
   std::sort(numbers.begin(), numbers.end());
   return numbers;
 }
 
-// Runs that are sorted in themselves, as retrievals append them; iRunLength 1 gives no order at all.
+// Runs that are sorted in themselves, as retrievals append them; iRunLength 1 gives no order at
+// all.
 std::vector<Key> MakeRuns(unsigned iSeed, int iNum, int iRunLength, int iNumTimes, bool iMixUnits) {
   std::mt19937 random(iSeed);
   auto const below = [&random](int iLimit) {

@@ -12,8 +12,8 @@ class ChasePrinter : public Vrae_EventReceiver {
 public:
   void ReceiveEvent(Vrae_Event const & iEvent) override {
     if (!mText.empty()) mText += " ";
-    mText += NameOf(iEvent) + "=" +
-             std::to_string(Vrae_SubStream(iEvent).GetValueFromEvent(iEvent));
+    mText +=
+        NameOf(iEvent) + "=" + std::to_string(Vrae_SubStream(iEvent).GetValueFromEvent(iEvent));
   }
   std::string Take() {
     std::string const text = mText;

@@ -391,9 +391,8 @@ TEST(Vrad_NoteListBase_Note, ComesFromAnExtendedNoteAndGoesBack) {
   ExpectLength(Samples(-7), note.mQuantizeTimeDelta);
   ExpectFullOriginal(note.mOrigEvent);
   EXPECT_TRUE(note.mMuted);
-  ExpectFullNote(Vrad_NoteWithDurationExtendedEvent(note.mTime, note.mEvent,
-                                                    note.mQuantizeTimeDelta, note.mOrigEvent,
-                                                    note.mMuted));
+  ExpectFullNote(Vrad_NoteWithDurationExtendedEvent(
+      note.mTime, note.mEvent, note.mQuantizeTimeDelta, note.mOrigEvent, note.mMuted));
 }
 
 TEST(Vrad_NoteListBase_Note, KeepsAFractionalPitchFromAnExtendedNote) {
@@ -424,8 +423,8 @@ TEST(Vrad_NoteListBase_Note, StoresAWrongKindAsItLies) {
 TEST(Vrad_NoteListBase_Note, ComesFromAnExtendedNoteOnlyWhenAsked) {
   EXPECT_FALSE(
       (std::is_convertible_v<Vrad_NoteWithDurationExtendedEvent const &, Vrad_NoteListBase_Note>));
-  EXPECT_TRUE((std::is_constructible_v<Vrad_NoteListBase_Note,
-                                       Vrad_NoteWithDurationExtendedEvent const &>));
+  EXPECT_TRUE((
+      std::is_constructible_v<Vrad_NoteListBase_Note, Vrad_NoteWithDurationExtendedEvent const &>));
 }
 
 TEST(Vrad_ExtendedEvent_RealTime, CopyingTakesNothing) {
@@ -433,11 +432,11 @@ TEST(Vrad_ExtendedEvent_RealTime, CopyingTakesNothing) {
   Vrad_ExtendedEvent const sysex(Tick(0), Vrae_SysexEvent(20, contents.data()));
   Vrad_NoteWithDurationExtendedEvent const note = FullNote();
   EXPECT_EQ("", RealtimeViolationsOf([&] {
-    Vrad_ExtendedEvent copy(sysex);
-    copy = note;
-    Vrad_NoteWithDurationExtendedEvent const second(note);
-    Vrad_NoteListBase_Note const stored(second);
-  }));
+              Vrad_ExtendedEvent copy(sysex);
+              copy = note;
+              Vrad_NoteWithDurationExtendedEvent const second(note);
+              Vrad_NoteListBase_Note const stored(second);
+            }));
 }
 
 TEST(Vrad_ExtendedEventIterator, IsAbstractWithAVirtualDestructor) {

@@ -82,7 +82,8 @@ struct Lists : testing::Test {
     ioWrapper.push_back(Item(iTime, iEvent));
   }
   static void AddTicks(Vrad_EventListWrapper & ioWrapper, std::vector<long long> const & iTicks) {
-    for (long long const tick : iTicks) Add(ioWrapper, Tick(tick), Note());
+    for (long long const tick : iTicks)
+      Add(ioWrapper, Tick(tick), Note());
   }
 };
 
@@ -189,17 +190,17 @@ TEST(Vrad_DisplayItem_GetDisplayedEvent, IsTheStoredEventWithoutEffects) {
 }
 
 TEST(Vrad_DisplayItem_PlaybackOrdering, GoesByTimeFirst) {
-  EXPECT_TRUE(Vrad_DisplayItem::PlaybackOrdering(Item(Tick(1), Note()),
-                                                 Item(Tick(2), Controller())));
-  EXPECT_FALSE(Vrad_DisplayItem::PlaybackOrdering(Item(Tick(2), Controller()),
-                                                  Item(Tick(1), Note())));
+  EXPECT_TRUE(
+      Vrad_DisplayItem::PlaybackOrdering(Item(Tick(1), Note()), Item(Tick(2), Controller())));
+  EXPECT_FALSE(
+      Vrad_DisplayItem::PlaybackOrdering(Item(Tick(2), Controller()), Item(Tick(1), Note())));
 }
 
 TEST(Vrad_DisplayItem_PlaybackOrdering, GoesByPriorityAtOneTime) {
-  EXPECT_TRUE(Vrad_DisplayItem::PlaybackOrdering(Item(Tick(1), Controller()),
-                                                 Item(Tick(1), Note())));
-  EXPECT_FALSE(Vrad_DisplayItem::PlaybackOrdering(Item(Tick(1), Note()),
-                                                  Item(Tick(1), Controller())));
+  EXPECT_TRUE(
+      Vrad_DisplayItem::PlaybackOrdering(Item(Tick(1), Controller()), Item(Tick(1), Note())));
+  EXPECT_FALSE(
+      Vrad_DisplayItem::PlaybackOrdering(Item(Tick(1), Note()), Item(Tick(1), Controller())));
 }
 
 TEST(Vrad_DisplayItem_PlaybackOrdering, GoesByKindAtOnePriority) {
@@ -260,7 +261,8 @@ TEST(Vrad_DisplayItemList_FindTime, OfAnEmptyListIsItsBegin) {
 
 TEST(Vrad_DisplayItemList_FindTime, IsTheFirstItemNotBefore) {
   Vrad_DisplayItemList list;
-  for (long long const tick : {10, 20, 20, 20, 30}) list.push_back(Item(Tick(tick), Note()));
+  for (long long const tick : {10, 20, 20, 20, 30})
+    list.push_back(Item(Tick(tick), Note()));
   EXPECT_EQ(list.begin(), list.FindTime(Tick(10)));
   EXPECT_EQ(list.begin() + 1, list.FindTime(Tick(11)));
   EXPECT_EQ(list.begin() + 1, list.FindTime(Tick(20)));
@@ -276,7 +278,8 @@ TEST(Vrad_DisplayItemList_FindTime, PastTheLastItemIsTheEnd) {
 TEST(Vrad_DisplayItemList_FindTime, ProbesAnUnsortedListAsAllSearchesDo) {
   // 5 left, probe 2 (7 is not before 5); 2 left, probe 1 (9 is not); 1 left, probe 0 (8 is not).
   Vrad_DisplayItemList list;
-  for (long long const tick : {8, 9, 7, 1, 2}) list.push_back(Item(Tick(tick), Note()));
+  for (long long const tick : {8, 9, 7, 1, 2})
+    list.push_back(Item(Tick(tick), Note()));
   EXPECT_EQ(list.begin(), list.FindTime(Tick(5)));
   // Probe 2 (7 is before 8); 2 left from 3, probe 4 (2 is before): the end.
   EXPECT_EQ(list.end(), list.FindTime(Tick(8)));
@@ -297,7 +300,8 @@ TEST_F(Vrad_EventListWrapper_Access, KnowsItsKind) {
 }
 
 TEST_F(Vrad_EventListWrapper_Access, SizeOfEmptyListsIsZero) {
-  for (Vrad_EventListWrapper const & wrapper : All()) EXPECT_EQ(0u, wrapper.size());
+  for (Vrad_EventListWrapper const & wrapper : All())
+    EXPECT_EQ(0u, wrapper.size());
   EXPECT_EQ(0u, mNoWrapper.size());
 }
 
@@ -523,8 +527,7 @@ TEST_F(Vrad_EventListWrapper_Sort, KeepsTheOrderOfEqualEvents) {
   mTimedWrapper.sort(0);
   for (size_t i = 1; i < mTimed.size(); ++i) {
     if (mTimed[i - 1].mTime == mTimed[i].mTime) {
-      ASSERT_LT(mTimed[i - 1].mSourceStamp.mInputID.mFirst,
-                mTimed[i].mSourceStamp.mInputID.mFirst);
+      ASSERT_LT(mTimed[i - 1].mSourceStamp.mInputID.mFirst, mTimed[i].mSourceStamp.mInputID.mFirst);
     }
   }
 }
@@ -547,7 +550,8 @@ TEST_F(Vrad_EventListWrapper_Sort, CopesWithItemsThatGoBeforeEachOther) {
 }
 
 TEST_F(Vrad_EventListWrapper_Sort, KeepsTheElementsWhenTheOrderThrows) {
-  for (long long tick = 700; tick > 0; --tick) mDisplay.push_back(Item(Tick(tick), Note()));
+  for (long long tick = 700; tick > 0; --tick)
+    mDisplay.push_back(Item(Tick(tick), Note()));
   mDisplay.push_back(Item(Tick(350), FractionalNote()));
   mDisplay.push_back(Item(Tick(350), FractionalNote()));
   Cmn_AssertRecorder recorder;
@@ -556,7 +560,8 @@ TEST_F(Vrad_EventListWrapper_Sort, KeepsTheElementsWhenTheOrderThrows) {
   std::vector<int> seen(701, 0);
   for (Vrad_DisplayItem const & item : mDisplay)
     seen[static_cast<size_t>(item.mTime.AsInt64())] += 1;
-  for (size_t tick = 1; tick <= 700; ++tick) EXPECT_EQ(tick == 350 ? 3 : 1, seen[tick]) << tick;
+  for (size_t tick = 1; tick <= 700; ++tick)
+    EXPECT_EQ(tick == 350 ? 3 : 1, seen[tick]) << tick;
 }
 
 TEST_F(Vrad_EventListWrapper_Sort, GoesOnWithThrowingOff) {
@@ -577,10 +582,10 @@ TEST_F(Vrad_EventListWrapper_RealTime, PushBackOntoWarmListsTakesNothing) {
   mExt.reserve(1);
   mDisplay.reserve(1);
   EXPECT_EQ("", RealtimeViolationsOf([&] {
-    mTimedWrapper.push_back(note);
-    mExtWrapper.push_back(note);
-    mDisplayWrapper.push_back(item);
-  }));
+              mTimedWrapper.push_back(note);
+              mExtWrapper.push_back(note);
+              mDisplayWrapper.push_back(item);
+            }));
   EXPECT_EQ(1u, mDisplay.size());
 }
 
@@ -591,10 +596,10 @@ TEST_F(Vrad_EventListWrapper_RealTime, SortTakesNothing) {
     AddTicks(mDisplayWrapper, {i * 7919 % 2003});
   }
   EXPECT_EQ("", RealtimeViolationsOf([&] {
-    mTimedWrapper.sort(0);
-    mExtWrapper.sort(0);
-    mDisplayWrapper.sort(0);
-  }));
+              mTimedWrapper.sort(0);
+              mExtWrapper.sort(0);
+              mDisplayWrapper.sort(0);
+            }));
   for (size_t i = 1; i < 2000; ++i) {
     ASSERT_LT(mTimed[i - 1].mTime, mTimed[i].mTime);
     ASSERT_LT(mExt[i - 1].mTime, mExt[i].mTime);

@@ -506,7 +506,8 @@ TEST_F(Vrae_ChaseTracker_NullArguments, ThrowTheirTexts) {
   EXPECT_THROW(mNew.DoUnMutedUpdate(nullptr, &mOut), Cmn_AssertException);
   EXPECT_EQ(2, mRecorder.GetNum("iOldStateP != 0"));
   EXPECT_EQ(9, mRecorder.GetNum());
-  for (Cmn_AssertRecorder::Entry const & entry : mRecorder.GetEntries()) EXPECT_FALSE(entry.mFlag);
+  for (Cmn_AssertRecorder::Entry const & entry : mRecorder.GetEntries())
+    EXPECT_FALSE(entry.mFlag);
 }
 
 TEST_F(Vrae_ChaseTracker_NullArguments, DoNothingWithThrowingOff) {
@@ -547,15 +548,15 @@ struct SilentSink : Cmn_AssertSink {
 TEST_F(Vrae_ChaseTracker_RealTime, FeedingTakesNothing) {
   Time_Typed const time(5, Time_eType_Ticks);
   EXPECT_EQ("", RealtimeViolationsOf([&] {
-    mNew.ChaseEvent(Vrae_ControllerEvent(7, 90));
-    mNew.TrackEvent(Vrae_PitchBendEvent(100));
-    mNew.TrackEvent(Vrae_ProgramEvent(1, 2));
-    mNew.TrackValue(Cc(64), 127);
-    mNew.SetActiveValue(Cc(64), 1);
-    mNew.SetActiveValueIfLater(Cc(64), 2, time);
-    mNew.ClearActiveFlag(Cc(64));
-    mNew.Clear();
-  }));
+              mNew.ChaseEvent(Vrae_ControllerEvent(7, 90));
+              mNew.TrackEvent(Vrae_PitchBendEvent(100));
+              mNew.TrackEvent(Vrae_ProgramEvent(1, 2));
+              mNew.TrackValue(Cc(64), 127);
+              mNew.SetActiveValue(Cc(64), 1);
+              mNew.SetActiveValueIfLater(Cc(64), 2, time);
+              mNew.ClearActiveFlag(Cc(64));
+              mNew.Clear();
+            }));
 }
 
 TEST_F(Vrae_ChaseTracker_RealTime, OutputTakesNothing) {
@@ -568,15 +569,15 @@ TEST_F(Vrae_ChaseTracker_RealTime, OutputTakesNothing) {
     Poly(*trackerP, 3);
   }
   EXPECT_EQ("", RealtimeViolationsOf([&] {
-    mNew.Prep(&counter);
-    mNew.DoCurrentPositionChase(&counter);
-    mNew.DoUnMutedUpdate(&mOld, &counter);
-    mNew.DoMutedUpdate(&mOld);
-    mNew.DoUnMute(&counter);
-    mNew.ChaseAndRelease(&mOld, &counter);
-    mNew.HandleReleaseEvent(Vrae_ReleaseControllerEvent(64), &counter);
-    mNew.DoMute(&counter, true);
-    mNew.Release(&counter, Vrae_ChaseTracker::kReleaseAndDeactivate);
-  }));
+              mNew.Prep(&counter);
+              mNew.DoCurrentPositionChase(&counter);
+              mNew.DoUnMutedUpdate(&mOld, &counter);
+              mNew.DoMutedUpdate(&mOld);
+              mNew.DoUnMute(&counter);
+              mNew.ChaseAndRelease(&mOld, &counter);
+              mNew.HandleReleaseEvent(Vrae_ReleaseControllerEvent(64), &counter);
+              mNew.DoMute(&counter, true);
+              mNew.Release(&counter, Vrae_ChaseTracker::kReleaseAndDeactivate);
+            }));
   EXPECT_LT(10, counter.mNum);
 }

@@ -87,7 +87,8 @@ TEST_F(Vrae_ChaseTracker_Construction, OnANullMapTreatsEveryEntryAsAbsent) {
 }
 
 TEST_F(Vrae_ChaseTracker_Construction, StartsWithoutActiveEntries) {
-  for (signed char number = 1; number < 120; ++number) EXPECT_FALSE(mNew.IsActive(Cc(number)));
+  for (signed char number = 1; number < 120; ++number)
+    EXPECT_FALSE(mNew.IsActive(Cc(number)));
   EXPECT_EQ("", Prepped(mNew));
 }
 

@@ -180,10 +180,10 @@ TEST(Vrae_TimedEvent_PlaybackOrdering, GoesByPriorityAtOneTime) {
 }
 
 TEST(Vrae_TimedEvent_PlaybackOrdering, HasNoFurtherTieBreak) {
-  EXPECT_FALSE(Vrae_TimedEvent::PlaybackOrdering(Note(Tick(0), Ticks(1), 60),
-                                                 Note(Tick(0), Ticks(1), 61)));
-  EXPECT_FALSE(Vrae_TimedEvent::PlaybackOrdering(Note(Tick(0), Ticks(1), 61),
-                                                 Note(Tick(0), Ticks(1), 60)));
+  EXPECT_FALSE(
+      Vrae_TimedEvent::PlaybackOrdering(Note(Tick(0), Ticks(1), 60), Note(Tick(0), Ticks(1), 61)));
+  EXPECT_FALSE(
+      Vrae_TimedEvent::PlaybackOrdering(Note(Tick(0), Ticks(1), 61), Note(Tick(0), Ticks(1), 60)));
 }
 
 TEST(Vrae_TimedEvent_PlaybackOrdering, TakesEqualInstantsOfBothUnitsAsEqual) {

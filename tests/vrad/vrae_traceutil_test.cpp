@@ -41,7 +41,8 @@ Time_Typed Tick(long long iCount) {
 // Contents bytes 0, 1, 2, ... as a complete message.
 Vrae_Event Sysex(int iNumContents) {
   std::vector<unsigned char> contents;
-  for (int i = 0; i < iNumContents; ++i) contents.push_back(static_cast<unsigned char>(i % 128));
+  for (int i = 0; i < iNumContents; ++i)
+    contents.push_back(static_cast<unsigned char>(i % 128));
   return Vrae_SysexEvent(iNumContents, contents.data());
 }
 
@@ -51,7 +52,8 @@ Vrae_Event Fragment(std::vector<unsigned char> const & iBytes) {
 
 size_t Count(std::string const & iText, char iChar) {
   size_t num = 0;
-  for (char const c : iText) num += c == iChar;
+  for (char const c : iText)
+    num += c == iChar;
   return num;
 }
 
@@ -63,9 +65,9 @@ TEST(Vrae_TraceUtil_FormatMidiEvent, WritesNotes) {
 }
 
 TEST(Vrae_TraceUtil_FormatMidiEvent, WritesNotesWithDurationInTicksAndSamples) {
-  EXPECT_EQ("NoteWithDuration(p: 60, d: 960000t, on: 80, off: 64)",
-            Format(Vrae_NoteWithDurationEvent(60, Time_TypedLength(960000, Time_eType_Ticks), 80,
-                                              64)));
+  EXPECT_EQ(
+      "NoteWithDuration(p: 60, d: 960000t, on: 80, off: 64)",
+      Format(Vrae_NoteWithDurationEvent(60, Time_TypedLength(960000, Time_eType_Ticks), 80, 64)));
   EXPECT_EQ("NoteWithDuration(p: 0, d: 1s, on: 1, off: 0)",
             Format(Vrae_NoteWithDurationEvent(0, Time_TypedLength(1, Time_eType_Samples), 1, 0)));
 }
