@@ -40,10 +40,12 @@ set(VRAD_HEADERS
   vrad/vrae_chasetrackermap.h
   vrad/vrae_event.h
   vrad/vrae_filter.h
+  vrad/vrae_noteinprogress.h
   vrad/vrae_substream.h
   vrad/vrae_sysexdatabase.h
   vrad/vrae_timedevent.h
-  vrad/vrae_traceutil.h)
+  vrad/vrae_traceutil.h
+  vrad/vrae_trackstate.h)
 
 # Of what a small host puts around the library.
 set(VRAD_HOST_HEADERS

@@ -8,6 +8,7 @@
 
 #include "cmn/cmn_assert.h"
 #include "foundation/lumtrace.h"
+#include "vrad/vrae_trackstate.h"
 
 namespace {
 
@@ -159,6 +160,13 @@ void Vrae_TraceUtil::PrintTimedEventList(Vrae_TimedEventList * iListP, std::ostr
     PrintMidiEvent(event.mEvent, oStream);
     oStream << '\n';
   }
+}
+
+void Vrae_TraceUtil::PrintTrackState(Vrae_TrackState * iStateP, std::ostream & oStream) {
+  oStream << "Begin Vrae_TrackState:\n";
+  for (Vrae_NoteInProgress const * nip = iStateP->NextNoteOff(); nip != nullptr; nip = nip->mNextP)
+    oStream << "\t(" << int(nip->mPitch) << ", " << int(nip->mOnVelocity) << ", "
+            << int(nip->mOffVelocity) << ", " << nip->mReleaseTime.AsInt64() << ")\n";
 }
 
 void Vrae_TraceUtil::TraceMidiEventList(Vrae_TimedEventList * iListP) {

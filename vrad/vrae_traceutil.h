@@ -10,6 +10,7 @@
 #include "vrad/vrae_timedevent.h"
 
 class Vra_AppCallback;
+class Vrae_TrackState;
 
 /// Turns events into text. Formatting into a buffer cuts what does not fit and always terminates.
 /// Needs: a buffer of at least one byte.
@@ -32,6 +33,9 @@ public:
 
   /// A line for each event: count, unit, text.
   static void PrintTimedEventList(Vrae_TimedEventList * iListP, std::ostream & oStream);
+
+  /// A heading, and a line for each note in progress: pitch, velocities, count of the release time.
+  static void PrintTrackState(Vrae_TrackState * iStateP, std::ostream & oStream);
 
   /// Writes each event's text to the run-time trace, without a line end.
   static void TraceMidiEventList(Vrae_TimedEventList * iListP);
