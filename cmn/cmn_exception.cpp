@@ -30,5 +30,6 @@ Cmn_StackDump * Cmn_Exception::GetStackDump() const {
   return mStackDumpP;
 }
 
+// Hosts catch it by type even if they never throw it.
 template class Cmn_TypedExceptionDescription<L10N_ExceptionData>;
 template class Cmn_TypedException<L10N_ExceptionData>;

@@ -69,7 +69,7 @@ public:
 
 /// An exception that carries a `T`, whose field `mMessage` is the description.
 template <class T>
-class Cmn_TypedExceptionDescription : public Cmn_Exception {
+class VRAD_EXPORT Cmn_TypedExceptionDescription : public Cmn_Exception {
 public:
   std::string GetDescription() const override { return mData.mMessage; }
   T const & GetData() const { return mData; }
@@ -84,7 +84,7 @@ private:
 
 /// The exception that is thrown and caught for data `T`. `what()` is the description.
 template <class T>
-class Cmn_TypedException : public Cmn_TypedExceptionDescription<T> {
+class VRAD_EXPORT Cmn_TypedException : public Cmn_TypedExceptionDescription<T> {
 public:
   Cmn_TypedException(Cmn_TypedExceptionCode<T> const & iCode, T const & iData,
                      Cmn_StackDump * iStackDumpP = nullptr)
@@ -103,7 +103,3 @@ private:
 struct VRAD_EXPORT L10N_ExceptionData {
   std::string mMessage;  // UTF-8
 };
-
-// The one instance that crosses the library's boundary, made once so that casts and catches agree.
-extern template class VRAD_EXPORT Cmn_TypedExceptionDescription<L10N_ExceptionData>;
-extern template class VRAD_EXPORT Cmn_TypedException<L10N_ExceptionData>;
