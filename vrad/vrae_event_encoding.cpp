@@ -59,10 +59,12 @@ int GetNumParts(Vrae_ProgramEvent const & iEvent) {
 
 // A disabled part takes no number.
 Message MakeProgramMessage(Vrae_ProgramEvent const & iEvent, int iMessageNumber) {
-  int number = iMessageNumber;
-  if (iEvent.IsMSBBankEnabled() && number-- == 0) return Make(0xB0, 0x00, iEvent.GetMSBBank());
-  if (iEvent.IsLSBBankEnabled() && number-- == 0) return Make(0xB0, 0x20, iEvent.GetLSBBank());
-  if (iEvent.IsProgramEnabled() && number == 0) return Make(0xC0, iEvent.GetProgram());
+  int part = 0;
+  if (iEvent.IsMSBBankEnabled() && iMessageNumber == part++)
+    return Make(0xB0, 0x00, iEvent.GetMSBBank());
+  if (iEvent.IsLSBBankEnabled() && iMessageNumber == part++)
+    return Make(0xB0, 0x20, iEvent.GetLSBBank());
+  if (iEvent.IsProgramEnabled() && iMessageNumber == part) return Make(0xC0, iEvent.GetProgram());
   CMN_CHECK(false, "0");
   return {};
 }
