@@ -176,7 +176,8 @@ def strings():
         for voice, pitch in enumerate(chord):
             # Each chord reaches into the next one.
             part.note(bar(number) + 5 * voice, pitch - 12, beats * QUARTER + 60, 50 + 4 * voice, 20)
-        part.curve(bar(number), beats * QUARTER, 10, 11,
+        step = 60 if number < 10 else 8
+        part.curve(bar(number), beats * QUARTER, step, 11,
                    lambda x: 60 + 50 * math.sin(math.pi * x) ** 2)
     part.curve(bar(13), 4 * BAR, 30, 1, lambda x: 100 * x)
     return part

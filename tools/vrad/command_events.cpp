@@ -24,17 +24,21 @@ public:
         Tool_MakePrintable(mFile.mTracks[static_cast<size_t>(clip.mTrack)].mName, 60);
     std::string const channel =
         clip.mChannel < 0 ? "no channel" : fmt::format("channel {}", clip.mChannel);
-    mOut.Print("clip {}: track {}, {}{}{}\n", iClip, clip.mTrack, channel, name.empty() ? "" : ", ",
-               name);
-    mOut.Print("{:>14} {:>15}\n", "bar:beat:tick", "time");
+    mOut.Print("{}clip {}: track {}, {}{}{}\n", mIsFirstClip ? "" : "\n", iClip, clip.mTrack,
+               channel, name.empty() ? "" : ", ", name);
+    mIsFirstClip = false;
+    mIsEmpty = true;
   }
 
   void Print(Tool_RetrievedEvent const & iEvent) {
-    if (mIsText) {
-      Tool_PrintEventAsText(mOut, mBars, iEvent);
-    } else {
-      Tool_PrintEventAsJSON(mOut, mSource, iEvent);
-    }
+    if (!mIsText) return Tool_PrintEventAsJSON(mOut, mSource, iEvent);
+    if (mIsEmpty) mOut.Print("{:>14} {:>15}\n", "bar:beat:tick", "time");
+    mIsEmpty = false;
+    Tool_PrintEventAsText(mOut, mBars, iEvent);
+  }
+
+  void EndClip() {
+    if (mIsText && mIsEmpty) mOut.Print("{:>14}\n", "nothing");
   }
 
   void Finish() { mOut.Flush(); }
@@ -43,6 +47,8 @@ private:
   Host_MidiFile const & mFile;
   Host_BarMap mBars;
   bool mIsText;
+  bool mIsFirstClip = true;
+  bool mIsEmpty = true;  // nothing of this clip yet
   Tool_EventSource mSource{};
   Tool_Output mOut;
 };
@@ -100,6 +106,7 @@ int Tool_EventsCommand::Run() const {
     } else {
       PrintPlayback(range, chunk, clip, printer);
     }
+    printer.EndClip();
   }
   printer.Finish();
   return Tool_GetStatus(file);

@@ -1,6 +1,7 @@
 #include "tools/vrad/command_info.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <CLI/CLI.hpp>
 
@@ -43,10 +44,15 @@ void PrintLength(Tool_Output & ioOut, Host_MidiFile const & iFile) {
               Tool_FormatBar(Host_BarMap(iFile.mTimeSignatures), end), end.AsInt64(), seconds);
 }
 
+// To the hundredth: files count microseconds, so that a plain tempo is seldom met.
+double Round(double iBeatsPerMinute) {
+  return std::round(iBeatsPerMinute * 100) / 100;
+}
+
 void PrintTempo(Tool_Output & ioOut, Host_MidiFile const & iFile) {
   std::vector<Host_TempoChange> const & changes = iFile.mTempoChanges;
   double const first = Time_Convert::GetDefaultTempoMap().GetTempoAt(Time_Tick(0));
-  ioOut.Print("  tempo    {:.6g} beats a minute", first);
+  ioOut.Print("  tempo    {} beats a minute", Round(first));
   long long const numLater =
       std::count_if(changes.begin(), changes.end(),
                     [](Host_TempoChange const & iChange) { return iChange.mTime.AsInt64() > 0; });
@@ -56,8 +62,8 @@ void PrintTempo(Tool_Output & ioOut, Host_MidiFile const & iFile) {
                             [](Host_TempoChange const & iA, Host_TempoChange const & iB) {
                               return iA.mBeatsPerMinute < iB.mBeatsPerMinute;
                             });
-    ioOut.Print(" at first, {}, {:.6g} to {:.6g}", Plural(numLater, "change"), low->mBeatsPerMinute,
-                high->mBeatsPerMinute);
+    ioOut.Print(" at first, {}, {} to {}", Plural(numLater, "change"), Round(low->mBeatsPerMinute),
+                Round(high->mBeatsPerMinute));
   }
   ioOut.Print("\n");
 }

@@ -129,7 +129,7 @@ void DescribeSysex(Tool_Output & ioOut, Vrae_Event const & iEvent) {
 void Describe(Tool_Output & ioOut, Vrae_Event const & iEvent) {
   switch (iEvent.GetType()) {
   case Vrae_Event::kNoEvent:
-    ioOut.Print("note-offs   end here");
+    ioOut.Print("marker      note-off");
     break;
   case Vrae_Event::kNoteWithDuration:
   case Vrae_Event::kPitchToMIDINoteWithDuration:

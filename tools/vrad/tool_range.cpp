@@ -73,7 +73,8 @@ void Tool_RangeOptions::AddTo(CLI::App & ioCommand) {
       ->type_name("WHICH")
       ->check(CLI::IsMember({"none", "earliest", "last"}));
   ioCommand.footer("POS is 960000t (ticks, 960000 to the quarter note), 48000s (samples),\n"
-                   "12.5sec, or BAR:BEAT[:TICK] with bars and beats from 1.");
+                   "12.5sec, or BAR:BEAT[:TICK] with bars and beats from 1. Ranges are exact to\n"
+                   "the sample: a bound in ticks counts as the first tick of its sample.");
 }
 
 Tool_Range::Tool_Range(Tool_RangeOptions const & iOptions)
