@@ -1,5 +1,12 @@
 # One program for each test file: a failing build or a crash costs one class family, not all.
 
+file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/framework.cpp "")
+add_library(vrad_test_framework OBJECT ${CMAKE_CURRENT_BINARY_DIR}/framework.cpp)
+vrad_warnings(vrad_test_framework)
+target_compile_options(vrad_test_framework PRIVATE -O0)
+target_link_libraries(vrad_test_framework PRIVATE GTest::gmock GTest::gtest)
+target_precompile_headers(vrad_test_framework PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+
 function(vrad_test_program iFile)
   if(NOT EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${iFile})
     return()
@@ -7,10 +14,11 @@ function(vrad_test_program iFile)
   cmake_path(GET iFile STEM name)
   add_executable(${name} ${iFile})
   vrad_warnings(${name})
-  # Optimizing the instrumented checks of a test program takes longer than running them. Property
-  # tests run long enough to be worth it.
-  if(VRAD_SANITIZE AND NOT iFile MATCHES "^properties/")
+  # Optimizing a test program takes longer than running it. Property tests run long enough to be
+  # worth it; all others share one precompiled header of the test framework.
+  if(NOT iFile MATCHES "^properties/")
     target_compile_options(${name} PRIVATE -O0)
+    target_precompile_headers(${name} REUSE_FROM vrad_test_framework)
   endif()
   target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main rapidcheck ${ARGN})
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
