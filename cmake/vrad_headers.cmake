@@ -41,7 +41,6 @@ set(VRAD_HEADERS
   vrad/vrae_event.h
   vrad/vrae_filter.h
   vrad/vrae_noteinprogress.h
-  vrad/vrae_noteinprogress.h
   vrad/vrae_substream.h
   vrad/vrae_sysexdatabase.h
   vrad/vrae_timedevent.h

@@ -53,8 +53,14 @@ void Cmn_ChunkyVec_ReportUnknownException() {
 }
 
 Cmn_ChunkyVecImpl::Cmn_ChunkyVecImpl(Cmn_ChunkyVecCopier & iCopier, int iElementSize, int)
-    : mCopierP(&iCopier), mElementSize(iElementSize), mSize(0), mRootP(nullptr), mTailP(nullptr),
-      mTailStamp(0), mIsUnsettled(false), mStamp(1) {}
+    : mCopierP(&iCopier),
+      mElementSize(iElementSize),
+      mSize(0),
+      mRootP(nullptr),
+      mTailP(nullptr),
+      mTailStamp(0),
+      mIsUnsettled(false),
+      mStamp(1) {}
 
 Cmn_ChunkyVecImpl::~Cmn_ChunkyVecImpl() {
   Destruct();
@@ -84,9 +90,8 @@ Cmn_ChunkyVecImpl::iterator Cmn_ChunkyVecImpl::Insert(iterator const & iPos, int
   return iterator(this, index);
 }
 
-Cmn_ChunkyVecImpl::iterator Cmn_ChunkyVecImpl::Insert(iterator const & iPos,
-                                                      iterator const & iFirst,
-                                                      iterator const & iLast) {
+Cmn_ChunkyVecImpl::iterator
+Cmn_ChunkyVecImpl::Insert(iterator const & iPos, iterator const & iFirst, iterator const & iLast) {
   int const index = iPos.GetIndex();
   int const num = iLast.Subtract(iFirst);
   if (num <= 0) return iterator(this, index);

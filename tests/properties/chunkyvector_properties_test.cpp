@@ -88,20 +88,32 @@ public:
 
   void Step() {
     switch (*rc::gen::inRange(0, 14)) {
-    case 0: return AppendSome();
+    case 0:
+      return AppendSome();
     case 1:
-    case 2: return InsertOne();
-    case 3: return InsertSome();
-    case 4: return InsertOwnRange();
-    case 5: return InsertFromSnapshot();
+    case 2:
+      return InsertOne();
+    case 3:
+      return InsertSome();
+    case 4:
+      return InsertOwnRange();
+    case 5:
+      return InsertFromSnapshot();
     case 6:
-    case 7: return EraseOne();
-    case 8: return EraseRange();
-    case 9: return Write();
-    case 10: return Replace();
-    case 11: return TakeSnapshot();
-    case 12: return RestoreSnapshot();
-    default: return DropSnapshot();
+    case 7:
+      return EraseOne();
+    case 8:
+      return EraseRange();
+    case 9:
+      return Write();
+    case 10:
+      return Replace();
+    case 11:
+      return TakeSnapshot();
+    case 12:
+      return RestoreSnapshot();
+    default:
+      return DropSnapshot();
     }
   }
 
@@ -115,9 +127,7 @@ public:
 private:
   int Size() const { return static_cast<int>(mModel.size()); }
   int AnyPosition() const { return *rc::gen::inRange(0, Size() + 1); }
-  static Record AnyRecord() {
-    return {*rc::gen::inRange(-50, 50), *rc::gen::inRange(0, 1000), {}};
-  }
+  static Record AnyRecord() { return {*rc::gen::inRange(-50, 50), *rc::gen::inRange(0, 1000), {}}; }
   Model::iterator At(int iIndex) { return mModel.begin() + iIndex; }
 
   void AppendSome() {

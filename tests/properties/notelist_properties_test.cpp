@@ -31,7 +31,9 @@ std::string Print(Notes const & iNotes) {
   return result;
 }
 
-Time_Typed EndOf(Note const & iNote) { return iNote.mTime + iNote.mEvent.GetDuration(); }
+Time_Typed EndOf(Note const & iNote) {
+  return iNote.mTime + iNote.mEvent.GetDuration();
+}
 
 template <class TIsBefore>
 int FindFirstNot(Notes const & iNotes, TIsBefore iIsBefore) {
@@ -213,10 +215,14 @@ public:
     if (kind == 12) return ChangeTempo();
     mBefore.push_back(mPlain);
     Ndo_gManager.BeginTransaction();
-    if (kind < 5) AddSome();
-    else if (kind < 7) EraseSome();
-    else if (kind < 9) ChangeOne();
-    else Empty();
+    if (kind < 5)
+      AddSome();
+    else if (kind < 7)
+      EraseSome();
+    else if (kind < 9)
+      ChangeOne();
+    else
+      Empty();
     if (!Ndo_gManager.EndTransaction()) {
       mBefore.pop_back();
     } else {
@@ -225,9 +231,9 @@ public:
   }
 
   void Check() {
-    RC_ASSERT(Print(All(mReal)) == Print(mPlain.mMain.InRange(
-                                       mPlain.mMain.TimeOfFirst(),
-                                       Time_Typed::MaxTime(Time_eType_Ticks))) ||
+    RC_ASSERT(Print(All(mReal)) ==
+                  Print(mPlain.mMain.InRange(mPlain.mMain.TimeOfFirst(),
+                                             Time_Typed::MaxTime(Time_eType_Ticks))) ||
               mUnits == kMixedTimes);
     Time_Typed const a = AnyTime(), b = AnyTime();
     RC_ASSERT(Print(InRange(mReal, a, b)) == Print(mPlain.mMain.InRange(a, b)));
@@ -336,7 +342,9 @@ void Run(EUnits iUnits) {
 
 }  // namespace
 
-RC_GTEST_PROP(Vrad_NoteList_Edits, AnyScriptInTicksIsThePlainWalk, ()) { Run(kTicks); }
+RC_GTEST_PROP(Vrad_NoteList_Edits, AnyScriptInTicksIsThePlainWalk, ()) {
+  Run(kTicks);
+}
 RC_GTEST_PROP(Vrad_NoteList_Edits, AnyScriptWithMixedDurationsIsThePlainWalk, ()) {
   Run(kMixedDurations);
 }
