@@ -18,9 +18,6 @@ if(VRAD_SANITIZE)
   return()
 endif()
 
-# The system's python first: packages such as python3-mido belong to that one.
-find_program(VRAD_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
-find_program(VRAD_PYTHON python3 REQUIRED)
 find_program(VRAD_CLANG_FORMAT NAMES clang-format-14 clang-format)
 find_program(VRAD_PKG_CONFIG NAMES pkg-config)
 
