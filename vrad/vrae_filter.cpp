@@ -124,7 +124,25 @@ void Vrae_Filter::FilterVelocities(Vrae_Event & ioEvent) const {
   }
 }
 
+// Asked for every stream of a clip in every audio block: where type and number tell, no event is
+// made. What is no valid stream takes the long way, with the checks that lie on it.
 bool Vrae_Filter::FilterSubStream(Vrae_SubStream const & iSubStream) const {
+  if (!iSubStream.IsNull()) {
+    Vrae_SubStreamType const & type = *iSubStream.GetType();
+    int const subType = iSubStream.GetSubType();
+    switch (type.IsValidSubType(subType) ? type.GetTypeCode() : 0) {
+    case 1:
+      return mFlags[eDataType_PitchBend];
+    case 2:
+      return mControllers.Get(subType);
+    case 3:
+      return mFlags[eDataType_Program];
+    case 4:
+      return mFlags[eDataType_MonoPressure];
+    case 5:
+      return mFlags[eDataType_PolyPressure];
+    }
+  }
   Vrae_Event event = iSubStream.MakeEvent(iSubStream.GetValueRange().mMin);
   return this->FilterEvent(&event);
 }
