@@ -321,6 +321,37 @@ TEST(Vrae_Filter, SubStreamsPassAsTheirEventsDo) {
   EXPECT_EQ(recorder.GetNum(), 0);
 }
 
+TEST(Vrae_Filter, EverySubStreamPassesAsItsLeastEventDoes) {
+  std::vector<Vrae_SubStream> subStreams = {Vrae_SubStream::PitchBend(), Vrae_SubStream::Program(),
+                                            Vrae_SubStream::MonoPressure(),
+                                            Vrae_SubStream::PolyPressure(127)};
+  for (int number = 0; number < 120; ++number)
+    subStreams.push_back(Vrae_SubStream::Controller(static_cast<signed char>(number)));
+  Cmn_BitArray<128> controllers;
+  for (int number : {0, 1, 64, 119})
+    controllers.Set(number, true);
+  Cmn_AssertRecorder const recorder;
+  for (F filter : {F().SetDefault(), F().SetAll().SetControllers(controllers)}) {
+    for (int round = 0; round < 2; ++round, filter.InvertAll()) {
+      for (Vrae_SubStream const & subStream : subStreams)
+        EXPECT_EQ(filter.FilterSubStream(subStream),
+                  Passes(filter, subStream.MakeEvent(subStream.GetValueRange().mMin)));
+    }
+  }
+  EXPECT_EQ(recorder.GetNum(), 0);
+}
+
+TEST(Vrae_Filter, ASubStreamThatIsNoneIsReportedAsItsEventIs) {
+  F filter;
+  filter.SetAll();
+  EXPECT_EQ(GetFailedChecks(
+                [&] { EXPECT_TRUE(filter.FilterSubStream(Vrae_SubStream::Controller(120))); }),
+            Texts{"iControllerNumber < 120"});
+  EXPECT_EQ(GetFailedChecks(
+                [&] { EXPECT_TRUE(filter.FilterSubStream(Vrae_SubStream::PolyPressure(-1))); }),
+            Texts{"iPitch >= 0"});
+}
+
 TEST(Vrae_Filter, ANullSubStreamThrows) {
   Cmn_AssertRecorder const silent;
   EXPECT_THROW((void)F().FilterSubStream(Vrae_SubStream()), Cmn_AssertException);
