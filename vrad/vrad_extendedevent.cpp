@@ -23,20 +23,27 @@ Vrae_NoteWithDurationEvent MakePlainNote(Vrae_NoteWithDurationEvent const & iEve
 Vrad_ExtendedEvent::Vrad_ExtendedEvent(Time_Typed iTime, Vrae_Event const & iEvent)
     : Vrae_TimedEvent(iTime, iEvent) {}
 
-Vrad_ExtendedEvent::Vrad_ExtendedEvent(Vrad_ExtendedEvent const & iOther) : Vrad_ExtendedEvent() {
-  *this = iOther;
+Vrad_ExtendedEvent::Vrad_ExtendedEvent(Vrad_ExtendedEvent const & iOther) noexcept
+    : Vrae_TimedEvent(iOther.mTime, iOther.mEvent) {
+  CopyExtension(iOther);
 }
 
-void Vrad_ExtendedEvent::CopyTimeAndEvent(Vrad_ExtendedEvent const & iOther) {
+Vrad_ExtendedEvent const &
+Vrad_ExtendedEvent::operator=(Vrad_ExtendedEvent const & iOther) noexcept {
+  CopyTimeAndEvent(iOther);
+  CopyExtension(iOther);
+  return *this;
+}
+
+void Vrad_ExtendedEvent::CopyTimeAndEvent(Vrad_ExtendedEvent const & iOther) noexcept {
   mTime = iOther.mTime;
   mEvent = iOther.mEvent;  // the stamp stays, on purpose
 }
 
-Vrad_ExtendedEvent const & Vrad_ExtendedEvent::operator=(Vrad_ExtendedEvent const & iOther) {
-  CopyTimeAndEvent(iOther);
+void Vrad_ExtendedEvent::CopyExtension(Vrad_ExtendedEvent const & iOther) noexcept {
   if (!iOther.IsNoteWithDurationExtendedEvent()) {
     mExtensionKind = kExtension_None;
-    return *this;
+    return;
   }
   mExtensionKind = kExtension_Note;
   mQuantizeDeltaValue = iOther.mQuantizeDeltaValue;
@@ -47,7 +54,6 @@ Vrad_ExtendedEvent const & Vrad_ExtendedEvent::operator=(Vrad_ExtendedEvent cons
   mOrigDurationValue = iOther.mOrigDurationValue;
   mOrigDurationType = iOther.mOrigDurationType;
   mMuted = iOther.mMuted;
-  return *this;
 }
 
 bool Vrad_ExtendedEvent::IsNoteWithDurationExtendedEvent() const {

@@ -17,10 +17,10 @@ public:
   /// Tick 0, no event, no extras.
   Vrad_ExtendedEvent() = default;
   Vrad_ExtendedEvent(Time_Typed iTime, Vrae_Event const & iEvent);
-  Vrad_ExtendedEvent(Vrad_ExtendedEvent const & iOther);
+  Vrad_ExtendedEvent(Vrad_ExtendedEvent const & iOther) noexcept;
 
   /// A plain source makes the target plain, with the bytes of its note fields left as they were.
-  Vrad_ExtendedEvent const & operator=(Vrad_ExtendedEvent const & iOther);
+  Vrad_ExtendedEvent const & operator=(Vrad_ExtendedEvent const & iOther) noexcept;
 
   bool IsNoteWithDurationExtendedEvent() const;
 
@@ -40,7 +40,10 @@ public:
   bool mMuted = false;
 
 protected:
-  void CopyTimeAndEvent(Vrad_ExtendedEvent const & iOther);
+  void CopyTimeAndEvent(Vrad_ExtendedEvent const & iOther) noexcept;
+
+private:
+  void CopyExtension(Vrad_ExtendedEvent const & iOther) noexcept;
 };
 
 /// The view for notes. Adds no storage. The quantize delta is how far the host's quantizer moved

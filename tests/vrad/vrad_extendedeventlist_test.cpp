@@ -174,6 +174,11 @@ TEST(Vrad_DisplayItem, CopiesMovesAndAssigns) {
   EXPECT_EQ(-7, assigned.mDisplayValue);
 }
 
+TEST(Vrad_DisplayItem, IsMovedUpInPlaceByLists) {
+  EXPECT_TRUE(std::is_nothrow_copy_constructible_v<Vrad_DisplayItem>);
+  EXPECT_TRUE(std::is_nothrow_copy_assignable_v<Vrad_DisplayItem>);
+}
+
 TEST(Vrad_DisplayItem_GetDisplayedEvent, IsTheNewEventAtStart) {
   Vrad_DisplayItem const item(Vrad_ExtendedEvent(Tick(5), Note()),
                               Vrad_ExtendedEvent(Tick(3), Controller()), false, 0);
