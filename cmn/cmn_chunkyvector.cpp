@@ -165,7 +165,7 @@ char * Cmn_ChunkyVecImpl::GetPtr(int iIndex) {
 int Cmn_ChunkyVecImpl::GetSpan(int iIndex, char const ** oFirst) const {
   if (iIndex < 0 || iIndex >= mSize) return 0;
   int offset;
-  Cmn_ChunkyVecLeaf * const leafP = Tree::Find(mRootP, iIndex, &offset);
+  Cmn_ChunkyVecLeaf * const leafP = FindLeaf(iIndex, &offset);
   *oFirst = leafP->At(offset);
   return leafP->mNum - offset;
 }
@@ -190,13 +190,22 @@ void Cmn_ChunkyVecImpl::Remember(Cmn_ChunkyVecImpl_Iterator const & iPos, bool i
     leafP = path.mLeafP;
     offset = path.mOffset;
   } else {
-    leafP = Tree::Find(mRootP, iPos.mIndex, &offset);
+    leafP = FindLeaf(iPos.mIndex, &offset);
   }
   iPos.mStamp = mStamp.load(std::memory_order_relaxed);
   iPos.mIsWritable = iForWriting;
   iPos.mChunkFirst = iPos.mIndex - offset;
   iPos.mChunkNum = leafP->mNum;
   iPos.mChunk = leafP->mRecords;
+}
+
+// The last chunk is known while things are appended.
+Cmn_ChunkyVecLeaf * Cmn_ChunkyVecImpl::FindLeaf(int iIndex, int * oOffset) const {
+  if (mTailStamp == mStamp.load(std::memory_order_relaxed)) {
+    *oOffset = iIndex - (mSize - mTailP->mNum);
+    if (*oOffset >= 0) return static_cast<Cmn_ChunkyVecLeaf *>(mTailP);
+  }
+  return Tree::Find(mRootP, iIndex, oOffset);
 }
 
 // Addresses in a chunk that is replaced are void, also if memory runs out further down.
@@ -273,6 +282,6 @@ void Cmn_ChunkyVecImpl::CheckRoomFor(int iNum) const {
 }
 
 bool Cmn_ChunkyVecImpl::MayAppendInPlace() const {
-  if (!mTailP || mTailStamp != mStamp.load(std::memory_order_relaxed)) return false;
+  if (mTailStamp != mStamp.load(std::memory_order_relaxed)) return false;
   return mTailP->mNum < static_cast<Cmn_ChunkyVecLeaf *>(mTailP)->mRoom && !mIsUnsettled;
 }

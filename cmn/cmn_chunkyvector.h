@@ -11,6 +11,7 @@
 #include "foundation/vrad_export.h"
 
 class Cmn_ChunkyVecImpl;
+struct Cmn_ChunkyVecLeaf;
 struct Cmn_ChunkyVecNode;
 struct Cmn_ChunkyVecPath;
 
@@ -106,16 +107,25 @@ public:
   char const * GetConstPtr() const;
 
 private:
+  friend class Cmn_ChunkyVecImpl;
+  template <class T>
+  friend class Cmn_ChunkyVectorConstIterator;
+  template <class T>
+  friend class Cmn_ChunkyVectorIterator;
+
+  bool IsRemembered() const;
+  // For callers that know the size of the records.
+  char const * ConstPtr(ptrdiff_t iElementSize) const;
+  char * Ptr(ptrdiff_t iElementSize) const;
+
   Cmn_ChunkyVecImpl const * mVecP = nullptr;
   int mIndex = 0;
   // The chunk last used: valid while mStamp is the sequence's.
-  mutable unsigned mStamp = 0;
+  mutable unsigned long long mStamp = 0;
   mutable bool mIsWritable = false;
   mutable int mChunkFirst = 0;  // index of its first record
   mutable int mChunkNum = 0;
   mutable char * mChunk = nullptr;
-
-  friend class Cmn_ChunkyVecImpl;
 };
 
 /// The untyped sequence. n records, C in a chunk.
@@ -162,14 +172,12 @@ public:
   int GetSpan(int iIndex, char const ** oFirst) const;
   int GetWritableSpan(int iIndex, char ** oFirst);
 
-  bool HasDigest() const { return mCopierP->GetDigest() != nullptr; }
-
   // With a digest only. iFirst and iLast are indices, [iFirst, iLast).
 
   /// Takes up what was written through addresses. Searches and copying do so by themselves; a bulk
   /// edit that ends with it keeps them fast.
   void Settle() const;
-  Cmn_ChunkyVecSummary Summarise() const;                       // of all: O(1)
+  Cmn_ChunkyVecSummary const & Summarise() const;               // of all: O(1)
   Cmn_ChunkyVecSummary Summarise(int iFirst, int iLast) const;  // O(log n + C)
   /// Needs: Summarise().mAscending. The first record whose order key is not less than `iKey`,
   /// greater than `iKey`. O(log n).
@@ -186,6 +194,7 @@ private:
   friend class Cmn_ChunkyVecImpl_Iterator;
 
   void Remember(Cmn_ChunkyVecImpl_Iterator const & iPos, bool iForWriting) const;
+  Cmn_ChunkyVecLeaf * FindLeaf(int iIndex, int * oOffset) const;
   void UnshareFor(int iIndex, Cmn_ChunkyVecPath & oPath);
   void InsertOne(int iIndex, char const * iRecord);
   void InsertTree(int iIndex, Cmn_ChunkyVecNode * iRootP);
@@ -202,31 +211,41 @@ private:
   int mSize;
   Cmn_ChunkyVecNode * mRootP;  // one count owned; null in an empty sequence
   Cmn_ChunkyVecNode * mTailP;  // the last chunk, its path unshared, while mTailStamp is mStamp
-  unsigned mTailStamp;
+  unsigned long long mTailStamp;
   mutable bool mIsUnsettled;  // keys of some chunk lag behind its records
   // Changes with all that voids addresses of chunks or the right to write there. Starts at 1, so
   // that a new iterator remembers nothing. Atomic, since one snapshot may be copied on any thread.
-  mutable std::atomic<unsigned> mStamp;
+  mutable std::atomic<unsigned long long> mStamp;
 };
 
-inline char const * Cmn_ChunkyVecImpl_Iterator::GetConstPtr() const {
+inline bool Cmn_ChunkyVecImpl_Iterator::IsRemembered() const {
   unsigned const offset = static_cast<unsigned>(mIndex) - static_cast<unsigned>(mChunkFirst);
-  if (mStamp != mVecP->mStamp.load(std::memory_order_relaxed) ||
-      offset >= static_cast<unsigned>(mChunkNum)) {
+  return mStamp == mVecP->mStamp.load(std::memory_order_relaxed) &&
+         offset < static_cast<unsigned>(mChunkNum);
+}
+
+inline char const * Cmn_ChunkyVecImpl_Iterator::ConstPtr(ptrdiff_t iElementSize) const {
+  if (!IsRemembered()) {
     mVecP->Remember(*this, false);
     if (!mChunk) return nullptr;
   }
-  return mChunk + static_cast<ptrdiff_t>(mIndex - mChunkFirst) * mVecP->mElementSize;
+  return mChunk + (mIndex - mChunkFirst) * iElementSize;
 }
 
-inline char * Cmn_ChunkyVecImpl_Iterator::GetPtr() const {
-  unsigned const offset = static_cast<unsigned>(mIndex) - static_cast<unsigned>(mChunkFirst);
-  if (!mIsWritable || mStamp != mVecP->mStamp.load(std::memory_order_relaxed) ||
-      offset >= static_cast<unsigned>(mChunkNum)) {
+inline char * Cmn_ChunkyVecImpl_Iterator::Ptr(ptrdiff_t iElementSize) const {
+  if (!mIsWritable || !IsRemembered()) {
     mVecP->Remember(*this, true);
     if (!mChunk) return nullptr;
   }
-  return mChunk + static_cast<ptrdiff_t>(mIndex - mChunkFirst) * mVecP->mElementSize;
+  return mChunk + (mIndex - mChunkFirst) * iElementSize;
+}
+
+inline char const * Cmn_ChunkyVecImpl_Iterator::GetConstPtr() const {
+  return ConstPtr(mVecP->mElementSize);
+}
+
+inline char * Cmn_ChunkyVecImpl_Iterator::GetPtr() const {
+  return Ptr(mVecP->mElementSize);
 }
 
 /// What the two typed iterators share. TSelf is the iterator, TValue the record as it is handed
@@ -295,7 +314,7 @@ class Cmn_ChunkyVectorConstIterator
 public:
   Cmn_ChunkyVectorConstIterator() = default;
   explicit Cmn_ChunkyVectorConstIterator(Cmn_ChunkyVecImpl_Iterator const & iPos) : Base(iPos) {}
-  T const * Address() const { return reinterpret_cast<T const *>(this->mPos.GetConstPtr()); }
+  T const * Address() const { return reinterpret_cast<T const *>(this->mPos.ConstPtr(sizeof(T))); }
 };
 
 /// Random access by index, for writing: reading through it unshares the chunk too.
@@ -311,9 +330,9 @@ public:
   operator Cmn_ChunkyVectorConstIterator<T>() const {
     return Cmn_ChunkyVectorConstIterator<T>(this->mPos);
   }
-  T * Address() const { return reinterpret_cast<T *>(this->mPos.GetPtr()); }
+  T * Address() const { return reinterpret_cast<T *>(this->mPos.Ptr(sizeof(T))); }
   /// The record for reading: does not unshare.
-  T const & Read() const { return *reinterpret_cast<T const *>(this->mPos.GetConstPtr()); }
+  T const & Read() const { return *reinterpret_cast<T const *>(this->mPos.ConstPtr(sizeof(T))); }
 };
 
 /// The typed face of a sequence. Non-const access is for writing and unshares; read through a const

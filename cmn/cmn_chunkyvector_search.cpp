@@ -91,9 +91,10 @@ void Cmn_ChunkyVecImpl::Settle() const {
   mIsUnsettled = false;
 }
 
-Cmn_ChunkyVecSummary Cmn_ChunkyVecImpl::Summarise() const {
+Cmn_ChunkyVecSummary const & Cmn_ChunkyVecImpl::Summarise() const {
+  static constexpr Cmn_ChunkyVecSummary kEmpty;
   Settle();
-  return mRootP ? mRootP->mSummary : Cmn_ChunkyVecSummary();
+  return mRootP ? mRootP->mSummary : kEmpty;
 }
 
 Cmn_ChunkyVecSummary Cmn_ChunkyVecImpl::Summarise(int iFirst, int iLast) const {

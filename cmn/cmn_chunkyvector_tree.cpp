@@ -153,6 +153,28 @@ void Cmn_ChunkyVecInner::SetKeys(int iChild, Summary const & iSummary) {
   mGreatest[iChild] = iSummary.mGreatest;
 }
 
+void Cmn_ChunkyVecInner::Update(int iChild) {
+  Summary const before = SummaryOf(iChild);
+  Refresh(iChild);
+  Summary const & after = mChild[iChild]->mSummary;
+  bool const isBound =
+      (before.mLeast == mSummary.mLeast && after.mLeast > before.mLeast) ||
+      (before.mGreatest == mSummary.mGreatest && after.mGreatest < before.mGreatest) ||
+      (before.mMarks & ~after.mMarks) != 0;
+  if (isBound || !mSummary.mAscending || before.mNum == 0 || after.mNum == 0) {
+    Fold();
+    return;
+  }
+  mSummary.mNum = mEnd[mNum - 1];
+  mSummary.mFirst = mFirst[0];
+  mSummary.mLast = mLast[mNum - 1];
+  mSummary.mLeast = std::min(mSummary.mLeast, after.mLeast);
+  mSummary.mGreatest = std::max(mSummary.mGreatest, after.mGreatest);
+  mSummary.mMarks |= after.mMarks;
+  mSummary.mAscending = after.mAscending && (iChild == 0 || mLast[iChild - 1] <= after.mFirst) &&
+                        (iChild == mNum - 1 || after.mLast <= mFirst[iChild + 1]);
+}
+
 void Cmn_ChunkyVecInner::Refresh(int iChild) {
   Summary const & summary = mChild[iChild]->mSummary;
   SetKeys(iChild, summary);
@@ -219,10 +241,8 @@ void Cmn_ChunkyVecInner::Fold() {
 }
 
 void Cmn_ChunkyVecPath::Refresh() {
-  for (int i = mNumSteps - 1; i >= 0; --i) {
-    mSteps[i].mInnerP->Refresh(mSteps[i].mChild);
-    mSteps[i].mInnerP->Fold();
-  }
+  for (int i = mNumSteps - 1; i >= 0; --i)
+    mSteps[i].mInnerP->Update(mSteps[i].mChild);
 }
 
 void Cmn_ChunkyVecPath::MarkUnsettled() {
@@ -330,11 +350,11 @@ void Cmn_ChunkyVecTree::Tidy(Node *& ioRootP, Path & ioPath) const {
     int const child = ioPath.mSteps[i].mChild;
     if (childP->mNum == 0) {
       NodeRef(inner.Remove(child)).Reset(nullptr);
+      inner.Fold();
     } else {
-      inner.Refresh(child);
+      inner.Update(child);
       if (childP->mNum < Capacity(*childP) / 2) AbsorbNeighbour(inner, child);
     }
-    inner.Fold();
     childP = &inner;
   }
   if (ioRootP->mNum == 0) NodeRef(std::exchange(ioRootP, nullptr)).Reset(nullptr);

@@ -9,9 +9,9 @@
 #include "cmn/cmn_chunkyvector.h"
 
 struct Cmn_ChunkyVecNode {
-  static constexpr int kLeafRoom = 128;  // records in a leaf
-  static constexpr int kWidth = 128;     // children of an inner node
-  static constexpr int kMaxHeight = 8;   // enough for 2^31 records in half-filled nodes
+  static constexpr int kLeafRoom = 64;  // records in a leaf
+  static constexpr int kWidth = 128;    // children of an inner node
+  static constexpr int kMaxHeight = 8;  // enough for 2^31 records in half-filled nodes
 
   std::atomic<int> mRefs{1};
   short mHeight = 0;              // 0: a leaf
@@ -54,7 +54,10 @@ struct Cmn_ChunkyVecInner : Cmn_ChunkyVecNode {
   Cmn_ChunkyVecSummary SummaryOf(int iChild) const;
   /// All of a summary but the number of records.
   void SetKeys(int iChild, Cmn_ChunkyVecSummary const & iSummary);
-  /// After a change of a child's contents. Its own summary is left to `Fold`, as below.
+  /// After a change of a child's contents: the whole of what is known here. Looks at the other
+  /// children only if what the child has lost may have been an extreme of all.
+  void Update(int iChild);
+  /// The same, but for its own summary, which is left to `Fold`, as below.
   void Refresh(int iChild);
   /// Takes over a count. Needs: fewer than kWidth children.
   void Insert(int iAt, Cmn_ChunkyVecNode * iChildP, Cmn_ChunkyVecSummary const & iSummary);

@@ -147,12 +147,18 @@ public:
   /// Starts anew with another range of the same list. O(log n).
   void SetRange(Time_Typed iStart, Time_Typed iEnd);
   /// Fails: no list is reported; false.
-  bool IsMore() const;
+  bool IsMore() const { return mListP ? IsInRange() : ReportNoList(); }
   /// Lives: until the list is written.
   /// Fails: no note left is reported; a blank note.
-  Vrad_NoteListBase_Note const & operator*() const;
+  Vrad_NoteListBase_Note const & operator*() const { return IsInRange() ? *mIter : ReportNoNote(); }
   /// Fails: no note left is reported; the position stays.
-  void operator++();
+  void operator++() {
+    if (IsInRange()) {
+      ++mIter;
+    } else {
+      ReportNoNote();
+    }
+  }
   /// Replaces the event of the current note, as `ChangeNote`. The walk goes on.
   /// Fails: no note left is reported; nothing is changed.
   void ChangeCurrentNote(Vrae_NoteWithDurationEvent const & iNew);
@@ -160,6 +166,13 @@ public:
 private:
   friend class FullSustainingNoteIter;
 
+  bool IsInRange() const {
+    if (mIter == mEnd) return false;
+    Vrad_NoteListBase_Note const * const noteP = mIter.Address();
+    return noteP && noteP->mTime < mEndTime;
+  }
+  bool ReportNoList() const;
+  Vrad_NoteListBase_Note const & ReportNoNote() const;
   /// Moves on to the first note that may end after the time, or past the range.
   void SkipToEndAfter(Time_Typed iTime);
 

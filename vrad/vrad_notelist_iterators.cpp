@@ -41,19 +41,13 @@ void Vrad_NoteListBase::FullNotesInRangeIter::SetRange(Time_Typed iStart, Time_T
   mEnd = notes.End();
 }
 
-bool Vrad_NoteListBase::FullNotesInRangeIter::IsMore() const {
-  if (!CMN_CHECK(mListP != 0, "mListP != 0")) return false;
-  if (mIter == mEnd) return false;
-  Vrad_NoteListBase_Note const * const noteP = mIter.Address();
-  return noteP && noteP->mTime < mEndTime;
+bool Vrad_NoteListBase::FullNotesInRangeIter::ReportNoList() const {
+  return CMN_CHECK(mListP != 0, "mListP != 0");
 }
 
-Vrad_NoteListBase_Note const & Vrad_NoteListBase::FullNotesInRangeIter::operator*() const {
-  return CMN_CHECK(this->IsMore(), "this->IsMore()") ? *mIter : BlankNote();
-}
-
-void Vrad_NoteListBase::FullNotesInRangeIter::operator++() {
-  if (CMN_CHECK(this->IsMore(), "this->IsMore()")) ++mIter;
+Vrad_NoteListBase_Note const & Vrad_NoteListBase::FullNotesInRangeIter::ReportNoNote() const {
+  CMN_CHECK(this->IsMore(), "this->IsMore()");
+  return BlankNote();
 }
 
 void Vrad_NoteListBase::FullNotesInRangeIter::ChangeCurrentNote(

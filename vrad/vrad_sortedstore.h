@@ -75,8 +75,7 @@ int Vrad_FindFirstNotBefore(int iFirst, int iLast, TIsBefore iIsBefore) {
 /// Keys that answer for times of that unit are at hand.
 template <class T>
 bool Vrad_HasKeysFor(Cmn_ChunkyPODVector<T> const & iStore, Time_EType iType) {
-  Cmn_ChunkyVecImpl const & impl = iStore.GetImpl();
-  return impl.HasDigest() && Vrad_IsSortedInUnit(impl.Summarise(), iType);
+  return Vrad_IsSortedInUnit(iStore.GetImpl().Summarise(), iType);
 }
 template <class T>
 bool Vrad_HasKeysFor(Cmn_PolyVector<T, 0> const &, Time_EType) {
