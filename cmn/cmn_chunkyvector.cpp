@@ -262,7 +262,7 @@ Cmn_ChunkyVecNode * Cmn_ChunkyVecImpl::Copy(Cmn_ChunkyVecCopier const & iCopier,
   }
   NodeRef result;
   while (iFirst < iLast) {
-    char const * records;
+    char const * records = 0;
     int const num = std::min(GetSpan(iFirst, &records), iLast - iFirst);
     result = tree.Concat(std::move(result), tree.Build(records, num));
     iFirst += num;

@@ -172,7 +172,7 @@ public:
   /// Copies the record; a long sysex takes one more reference on its payload.
   Vrae_Event(Vrae_Event const & iOther) noexcept;
   /// A long sysex drops its reference.
-  ~Vrae_Event();
+  inline ~Vrae_Event();  // inline here already: the views below refer to it before its body
   /// A long sysex on the left drops its reference, one on the right takes one more.
   Vrae_Event const & operator=(Vrae_Event const & iOther) noexcept;
 
