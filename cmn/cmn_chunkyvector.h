@@ -183,6 +183,10 @@ public:
   /// greater than `iKey`. O(log n).
   int LowerBound(long long iKey) const;
   int UpperBound(long long iKey) const;
+  /// Needs the same. From the lower bound on: how many records lie side by side, where, and the
+  /// index of the first. In front of the lower bound: the record, null if there is none. O(log n).
+  int FindSpanFrom(long long iKey, char const ** oFirst, int * oIndex) const;
+  char const * FindLastBefore(long long iKey) const;
   /// The first record in the range whose extent key is greater than `iLimit`; else `iLast`.
   int FindExtentAbove(int iFirst, int iLast, long long iLimit) const;
   /// Walks the parts of the range from the front, from the back. Within a chunk keys come from the

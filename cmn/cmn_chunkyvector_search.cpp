@@ -10,24 +10,34 @@ typedef Cmn_ChunkyVecNode Node;
 typedef Cmn_ChunkyVecLeaf Leaf;
 typedef Cmn_ChunkyVecInner Inner;
 
+// How many keys in front of an ascending run go before the limit.
+template <class TGoesBefore>
+int NumBefore(long long const * iKeys, int iNum, TGoesBefore iGoesBefore) {
+  return static_cast<int>(std::partition_point(iKeys, iKeys + iNum, iGoesBefore) - iKeys);
+}
+
+struct Bound {
+  Leaf * mLeafP;  // null: behind all records
+  int mOffset;
+  int mIndex;
+};
+
 // The first record of the ascending tree whose order key does not go before the limit.
 template <class TGoesBefore>
-int FindBound(Node * iRootP, TGoesBefore iGoesBefore) {
-  if (!iRootP || iGoesBefore(iRootP->mSummary.mLast)) return iRootP ? iRootP->mSummary.mNum : 0;
+Bound FindBound(Node * iRootP, TGoesBefore iGoesBefore) {
+  if (!iRootP) return {nullptr, 0, 0};
+  if (iGoesBefore(iRootP->mSummary.mLast)) return {nullptr, 0, iRootP->mSummary.mNum};
   Node * nodeP = iRootP;
   int index = 0;
   while (!nodeP->IsLeaf()) {
     Inner const & inner = static_cast<Inner const &>(*nodeP);
-    long long const * const last =
-        std::partition_point(inner.mLast, inner.mLast + inner.mNum, iGoesBefore);
-    int const child = static_cast<int>(last - inner.mLast);
+    int const child = NumBefore(inner.mLast, inner.mNum, iGoesBefore);
     index += inner.StartOf(child);
     nodeP = inner.mChild[child];
   }
-  Leaf const & leaf = static_cast<Leaf const &>(*nodeP);
-  long long const * const found =
-      std::partition_point(leaf.mOrder, leaf.mOrder + leaf.mNum, iGoesBefore);
-  return index + static_cast<int>(found - leaf.mOrder);
+  Leaf & leaf = static_cast<Leaf &>(*nodeP);
+  int const offset = NumBefore(leaf.mOrder, leaf.mNum, iGoesBefore);
+  return {&leaf, offset, index + offset};
 }
 
 // Indices within the node. Gives the first record above the limit, or iLast.
@@ -104,12 +114,35 @@ Cmn_ChunkyVecSummary Cmn_ChunkyVecImpl::Summarise(int iFirst, int iLast) const {
 
 int Cmn_ChunkyVecImpl::LowerBound(long long iKey) const {
   Settle();
-  return FindBound(mRootP, [iKey](long long iOrder) { return iOrder < iKey; });
+  return FindBound(mRootP, [iKey](long long iOrder) { return iOrder < iKey; }).mIndex;
 }
 
 int Cmn_ChunkyVecImpl::UpperBound(long long iKey) const {
   Settle();
-  return FindBound(mRootP, [iKey](long long iOrder) { return iOrder <= iKey; });
+  return FindBound(mRootP, [iKey](long long iOrder) { return iOrder <= iKey; }).mIndex;
+}
+
+int Cmn_ChunkyVecImpl::FindSpanFrom(long long iKey, char const ** oFirst, int * oIndex) const {
+  Settle();
+  Bound const bound = FindBound(mRootP, [iKey](long long iOrder) { return iOrder < iKey; });
+  *oIndex = bound.mIndex;
+  if (!bound.mLeafP) return 0;
+  *oFirst = bound.mLeafP->At(bound.mOffset);
+  return bound.mLeafP->mNum - bound.mOffset;
+}
+
+// Goes by the first keys: the record is then in the chunk where the way ends.
+char const * Cmn_ChunkyVecImpl::FindLastBefore(long long iKey) const {
+  Settle();
+  auto const goesBefore = [iKey](long long iOrder) { return iOrder < iKey; };
+  Node * nodeP = mRootP;
+  if (!nodeP || !goesBefore(nodeP->mSummary.mFirst)) return nullptr;
+  while (!nodeP->IsLeaf()) {
+    Inner const & inner = static_cast<Inner const &>(*nodeP);
+    nodeP = inner.mChild[NumBefore(inner.mFirst, inner.mNum, goesBefore) - 1];
+  }
+  Leaf & leaf = static_cast<Leaf &>(*nodeP);
+  return leaf.At(NumBefore(leaf.mOrder, leaf.mNum, goesBefore) - 1);
 }
 
 int Cmn_ChunkyVecImpl::FindExtentAbove(int iFirst, int iLast, long long iLimit) const {

@@ -12,6 +12,8 @@ namespace {
 typedef Vrad_ContinuousData_Segment Segment;
 typedef std::vector<Segment> SegmentRun;
 
+constexpr int kNoUnit = -1;
+
 Segment MakeSegment(Time_Typed iTime, int iValue) {
   Segment segment;
   segment.mTime = iTime;
@@ -45,18 +47,47 @@ Ndo_Object * Vrad_ContinuousData_NdoState::NdoReCreate() {
 Vrad_ContinuousData::Vrad_ContinuousData(Ndo_Object::EUndoFlag iUndoFlag, bool iSnapToCoarseTicks)
     : Ndo_Object(iUndoFlag),
       mSnapToCoarseTicks(iSnapToCoarseTicks),
-      mSegments(Vrad_TimeDigest<Segment>::Get()) {}
+      mSegments(Vrad_TimeDigest<Segment>::Get()),
+      mSortedUnit(kNoUnit),
+      mFirstCount(0),
+      mLastCount(0) {}
 
 Vrad_ContinuousData::~Vrad_ContinuousData() = default;
 
+// During an edit the outline is off, and stays so if the edit fails half way.
+void Vrad_ContinuousData::BeginEdit() {
+  mSortedUnit = kNoUnit;
+}
+
+void Vrad_ContinuousData::EndEdit() {
+  Cmn_ChunkyVecSummary const all = mSegments.GetImpl().Summarise();
+  mFirstCount = all.mFirst;
+  mLastCount = all.mLast;
+  for (Time_EType const unit : {Time_eType_Samples, Time_eType_Ticks})
+    if (all.mNum > 0 && Vrad_IsSortedInUnit(all, unit)) mSortedUnit = unit;
+}
+
+void Vrad_ContinuousData::SetSegments(Segments const & iSegments) {
+  BeginEdit();
+  mSegments.Assign(iSegments);
+  EndEdit();
+}
+
 void Vrad_ContinuousData::AddValue(Time_Typed iTime, int iValue) {
   NdoAboutToModify();
+  if (IsSortedIn(iTime.GetType()) && iTime.AsInt64() > mLastCount) {
+    mSegments.PushBack(MakeSegment(iTime, iValue));
+    mLastCount = iTime.AsInt64();
+    return;
+  }
   Segments const & segments = mSegments;
   int const index = Vrad_LowerBound(segments, iTime);
+  BeginEdit();
   if (index < segments.Size() && segments[index].mTime == iTime)
     mSegments.Replace(index, MakeSegment(segments[index].mTime, iValue));
   else
     mSegments.Insert(mSegments.Begin() + index, MakeSegment(iTime, iValue));
+  EndEdit();
 }
 
 void Vrad_ContinuousData::AddFromData(Vrad_ContinuousData const * iSourceP, Time_Typed iStart,
@@ -72,7 +103,9 @@ void Vrad_ContinuousData::AddFromData(Vrad_ContinuousData const * iSourceP, Time
   Segments const & segments = mSegments;
   run.insert(run.end(), segments.begin() + region.mFirst, segments.begin() + region.mLast);
   SortAndThin(run);
+  BeginEdit();
   Vrad_ReplaceIndices(mSegments, region, run);
+  EndEdit();
 }
 
 void Vrad_ContinuousData::EraseFromData(Vrad_ContinuousData const * iSourceP, Time_Typed iStart,
@@ -100,8 +133,10 @@ void Vrad_ContinuousData::EraseFromData(Vrad_ContinuousData const * iSourceP, Ti
     ++next;
   }
   Vrad_IndexRange const walked = {first, next.GetIndex()};
-  if (static_cast<int>(kept.size()) < walked.mLast - walked.mFirst)
-    Vrad_ReplaceIndices(mSegments, walked, kept);
+  if (static_cast<int>(kept.size()) == walked.mLast - walked.mFirst) return;
+  BeginEdit();
+  Vrad_ReplaceIndices(mSegments, walked, kept);
+  EndEdit();
 }
 
 void Vrad_ContinuousData::EraseRange(Time_Typed iStart, Time_Typed iEnd) {
@@ -109,16 +144,22 @@ void Vrad_ContinuousData::EraseRange(Time_Typed iStart, Time_Typed iEnd) {
                                  Vrad_LowerBound(mSegments, iEnd)};
   if (range.IsEmpty()) return;
   NdoAboutToModify();
+  BeginEdit();
   Vrad_EraseIndices(mSegments, range.mFirst, range.mLast);
+  EndEdit();
 }
 
 bool Vrad_ContinuousData::GetLastValueChangeBeforeTime(Time_Typed * oTimeP, int * oValueP,
                                                        Time_Typed iTime) const {
-  int const index = Vrad_LowerBound(mSegments, iTime);
-  if (index == 0) return false;
-  Segment const & last = mSegments[index - 1];
-  *oTimeP = last.mTime;
-  *oValueP = last.mValue;
+  Segment const * lastP = nullptr;
+  if (IsSortedIn(iTime.GetType())) {
+    lastP = reinterpret_cast<Segment const *>(mSegments.GetImpl().FindLastBefore(iTime.AsInt64()));
+  } else if (int const index = Vrad_LowerBound(mSegments, iTime)) {
+    lastP = &mSegments[index - 1];
+  }
+  if (lastP == nullptr) return false;
+  *oTimeP = lastP->mTime;
+  *oValueP = lastP->mValue;
   return true;
 }
 
@@ -128,20 +169,13 @@ int Vrad_ContinuousData::GetValueAtTime(Time_Typed iTime) const {
   return mSegments[index - 1].mValue;
 }
 
-bool Vrad_ContinuousData::IsSurelyEmptyInRange(Time_Typed iStart, Time_Typed iEnd) const {
-  if (IsEmpty()) return true;
-  Cmn_ChunkyVecSummary const all = mSegments.GetImpl().Summarise();
-  if (iStart.GetType() != iEnd.GetType() || !Vrad_IsSortedInUnit(all, iStart.GetType()))
-    return false;
-  return all.mLast < iStart.AsInt64() || all.mFirst >= iEnd.AsInt64();
-}
-
 void Vrad_ContinuousData::ForEachInRange(Vrad_ContinuousData_OutputIter * iOutputP,
                                          Time_Typed iStart, Time_Typed iEnd) const {
   if (IsSurelyEmptyInRange(iStart, iEnd)) return;
-  for (int index = Vrad_LowerBound(mSegments, iStart); index < mSegments.Size();) {
-    Segment const * segments;
-    int const num = mSegments.GetSpan(index, &segments);
+  Segment const * segments;
+  int index;
+  int num = FindSpanFrom(iStart, &segments, &index);
+  for (; num > 0; num = mSegments.GetSpan(index, &segments)) {
     for (int i = 0; i < num; ++i) {
       if (!(segments[i].mTime < iEnd)) return;
       (*iOutputP)(segments[i].mTime, segments[i].mValue);
@@ -150,10 +184,24 @@ void Vrad_ContinuousData::ForEachInRange(Vrad_ContinuousData_OutputIter * iOutpu
   }
 }
 
+// The segments side by side from the first that is not earlier than a time.
+int Vrad_ContinuousData::FindSpanFrom(Time_Typed iTime, Segment const ** oFirst,
+                                      int * oIndex) const {
+  if (!IsSortedIn(iTime.GetType())) {
+    *oIndex = Vrad_LowerBound(mSegments, iTime);
+    return mSegments.GetSpan(*oIndex, oFirst);
+  }
+  char const * first;
+  int const num = mSegments.GetImpl().FindSpanFrom(iTime.AsInt64(), &first, oIndex);
+  *oFirst = reinterpret_cast<Segment const *>(first);
+  return num;
+}
+
 void Vrad_ContinuousData::OffsetTimes(Time_TypedLength iLength) {
   if (IsEmpty()) return;
   auto const iter = Segments::const_iterator(mSegments.Begin());
   CMN_CHECK(iter->mTime.GetType() == Time_eType_Ticks, "iter->mTime.GetType() == Time_eType_Ticks");
+  BeginEdit();
   for (int index = 0; index < mSegments.Size();) {
     Segment * segments;
     int const num = mSegments.GetWritableSpan(index, &segments);
@@ -161,13 +209,14 @@ void Vrad_ContinuousData::OffsetTimes(Time_TypedLength iLength) {
       segments[i].mTime = Vrad_ShiftedTime(segments[i].mTime, iLength, mSnapToCoarseTicks);
     index += num;
   }
-  mSegments.Settle();
+  EndEdit();
 }
 
 void Vrad_ContinuousData::Clear() {
   if (IsEmpty()) return;
   NdoAboutToModify();
   mSegments.Clear();
+  mSortedUnit = kNoUnit;
 }
 
 void Vrad_ContinuousData::ReplaceData(Vrad_ContinuousData const * iSourceP) {
@@ -177,7 +226,7 @@ void Vrad_ContinuousData::ReplaceData(Vrad_ContinuousData const * iSourceP) {
 
 void Vrad_ContinuousData::TakeContents(Vrad_ContinuousData const & iSource) {
   mSnapToCoarseTicks = iSource.mSnapToCoarseTicks;
-  mSegments.Assign(iSource.mSegments);
+  SetSegments(iSource.mSegments);
 }
 
 Ndo_State * Vrad_ContinuousData::NdoGetState() {
@@ -189,5 +238,5 @@ void Vrad_ContinuousData::NdoRestoreState(Ndo_State * iStateP) {
       dynamic_cast<Vrad_ContinuousData_NdoState const *>(iStateP);
   if (!CMN_REQUIRE_FLAGGED(p != nullptr, "p != 0")) return;
   mSnapToCoarseTicks = p->mSnapToCoarseTicks;
-  mSegments.Assign(p->mSegments);
+  SetSegments(p->mSegments);
 }

@@ -88,7 +88,11 @@ public:
   int GetValueAtTime(Time_Typed iTime) const;
 
   /// Whether a search need not be made: no segment lies in the range for certain. O(1).
-  bool IsSurelyEmptyInRange(Time_Typed iStart, Time_Typed iEnd) const;
+  bool IsSurelyEmptyInRange(Time_Typed iStart, Time_Typed iEnd) const {
+    if (IsEmpty()) return true;
+    if (!IsSortedIn(iStart.GetType()) || !IsSortedIn(iEnd.GetType())) return false;
+    return mLastCount < iStart.AsInt64() || mFirstCount >= iEnd.AsInt64();
+  }
 
   /// Hands the segments in [iStart, iEnd) to the visitor.
   void ForEachInRange(Vrad_ContinuousData_OutputIter * iOutputP, Time_Typed iStart,
@@ -117,11 +121,21 @@ private:
 
   typedef Cmn_ChunkyPODVector<Vrad_ContinuousData_Segment> Segments;
 
-  Time_Typed Shifted(Time_Typed iTime, Time_TypedLength iOffset) const;
+  bool IsSortedIn(Time_EType iUnit) const { return mSortedUnit == iUnit; }
+  int FindSpanFrom(Time_Typed iTime, Vrad_ContinuousData_Segment const ** oFirst,
+                   int * oIndex) const;
+  void BeginEdit();
+  void EndEdit();
+  void SetSegments(Segments const & iSegments);
   void TakeContents(Vrad_ContinuousData const & iSource);
 
   bool mSnapToCoarseTicks;
   Segments mSegments;  // ascending by time, no two alike, as far as the writers keep it so
+
+  // An outline of the segments, by which most reads are done or made short. The unit of all times
+  // while they are known to ascend, else -1, as in an empty store and during an edit.
+  int mSortedUnit;
+  long long mFirstCount, mLastCount;  // valid with the unit
 };
 
 /// The walk that the two iterators share. Must not outlive the data; stands by index, so an edit
