@@ -58,7 +58,7 @@ public:
   void Reset(double iBeatsPerMinute);
 
   /// The tempo from that tick to the next change. A second call at one tick replaces.
-  /// Copies the changes; unless it is the last, all are derived anew.
+  /// Amortised O(1) behind the last change; elsewhere all are derived anew.
   void SetTempoAt(Time_Tick iTick, double iBeatsPerMinute);
 
   /// At least 1: the tempo given at construction or by `Reset` counts.

@@ -32,19 +32,34 @@ void CheckPositive(double iValue, char const * iWhat) {
     throw std::invalid_argument(std::string(iWhat) + " is not finite and positive");
 }
 
-TablePtr MakeUniform(double iTempo) {
-  TablePtr tableP(new Time_TempoTable);
-  tableP->mLines.push_back({0, iTempo, 0, 0});
-  tableP->Derive(sSampleRate);
-  return tableP;
+std::shared_ptr<Time_TempoNumbers> MakeUniformNumbers(double iTempo) {
+  auto const numbersP = std::make_shared<Time_TempoNumbers>();
+  numbersP->mLines.push_back({0, iTempo, 0, 0});
+  numbersP->Derive(sSampleRate);
+  return numbersP;
 }
 
-TablePtr CopyLines(Time_TempoTable const * iTableP) {
-  if (!iTableP) return MakeUniform(kTempoAtStart);
-  TablePtr tableP(new Time_TempoTable);
-  tableP->mLines = iTableP->mLines;
-  tableP->mWides = iTableP->mWides;
-  return tableP;
+TablePtr MakeUniform(double iTempo) {
+  return std::make_unique<Time_TempoTable>(MakeUniformNumbers(iTempo));
+}
+
+std::shared_ptr<Time_TempoNumbers> CopyNumbers(Time_TempoTable const * iTableP) {
+  return iTableP ? iTableP->CopyNumbers() : MakeUniformNumbers(kTempoAtStart);
+}
+
+// Sets a tempo in numbers that nobody else sees.
+TablePtr MakeEdited(std::shared_ptr<Time_TempoNumbers> const & iNumbersP, long long iTick,
+                    double iTempo) {
+  std::vector<Time_TempoLine> & lines = iNumbersP->mLines;
+  auto const place = std::lower_bound(
+      lines.begin(), lines.end(), iTick,
+      [](Time_TempoLine const & iLine, long long iAt) { return iLine.mTick < iAt; });
+  if (place != lines.end() && place->mTick == iTick)
+    place->mTempo = iTempo;
+  else
+    lines.insert(place, {iTick, iTempo, 0, 0});
+  iNumbersP->Derive(sSampleRate);
+  return std::make_unique<Time_TempoTable>(iNumbersP);
 }
 
 bool IsLimit(long long iCount) {
@@ -133,8 +148,9 @@ void Time_TempoMap::SetSampleRate(double iHertz) {
   std::lock_guard<std::mutex> const lock(EditMutex());
   std::vector<std::pair<Time_TempoMap *, TablePtr>> tables;  // all of them before the first change
   auto const add = [&](Time_TempoMap & iMap) {
-    tables.emplace_back(&iMap, CopyLines(iMap.mTableP));
-    tables.back().second->Derive(iHertz);
+    std::shared_ptr<Time_TempoNumbers> const numbersP = CopyNumbers(iMap.mTableP);
+    numbersP->Derive(iHertz);
+    tables.emplace_back(&iMap, std::make_unique<Time_TempoTable>(numbersP));
   };
   add(DefaultMap::sDefault.mMap);
   for (Time_TempoMap * mapP = sFirstMapP; mapP; mapP = mapP->mNextMapP)
@@ -153,20 +169,12 @@ void Time_TempoMap::Reset(double iBeatsPerMinute) {
 void Time_TempoMap::SetTempoAt(Time_Tick iTick, double iBeatsPerMinute) {
   CheckPositive(iBeatsPerMinute, "tempo");
   std::lock_guard<std::mutex> const lock(EditMutex());
-  TablePtr tableP = CopyLines(mTableP);
-  std::vector<Time_TempoLine> & lines = tableP->mLines;
-  auto const place = std::lower_bound(
-      lines.begin(), lines.end(), iTick.AsInt64(),
-      [](Time_TempoLine const & iLine, long long iAt) { return iLine.mTick < iAt; });
-  bool const isAppended = place == lines.end() && iTick.AsInt64() > 0;
-  if (place != lines.end() && place->mTick == iTick.AsInt64())
-    place->mTempo = iBeatsPerMinute;
-  else
-    lines.insert(place, {iTick.AsInt64(), iBeatsPerMinute, 0, 0});
-  if (isAppended)
-    tableP->DeriveLast(sSampleRate);
-  else
-    tableP->Derive(sSampleRate);
+  long long const tick = iTick.AsInt64();
+  Time_TempoTable const * const formerP = mTableP;
+  bool const isAppended =
+      formerP && tick > 0 && tick > formerP->mLinesP[formerP->mNumLines - 1].mTick;
+  TablePtr tableP = isAppended ? formerP->MakeAppended(tick, iBeatsPerMinute, sSampleRate)
+                               : MakeEdited(CopyNumbers(formerP), tick, iBeatsPerMinute);
   Publish(tableP.release());
 }
 

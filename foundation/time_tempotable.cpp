@@ -118,7 +118,7 @@ void Store(Time_TempoWideLine const & iWide, Time_TempoLine & oLine,
 
 }  // namespace
 
-void Time_TempoTable::Derive(double iSampleRate) {
+void Time_TempoNumbers::Derive(double iSampleRate) {
   mWides.clear();
   auto const slopeOf = [&](Time_TempoLine const & iLine) {
     return SamplesPerTick(iLine.mTempo, iSampleRate);
@@ -148,7 +148,7 @@ void Time_TempoTable::Derive(double iSampleRate) {
   }
 }
 
-void Time_TempoTable::DeriveLast(double iSampleRate) {
+void Time_TempoNumbers::DeriveLast(double iSampleRate) {
   Time_TempoLine & last = mLines.back();
   Time_TempoLine const & former = mLines[mLines.size() - 2];
   Store(Continue(Widen(former, mWides.data()), Wide(last.mTick) - former.mTick,
@@ -156,10 +156,45 @@ void Time_TempoTable::DeriveLast(double iSampleRate) {
         last, mWides);
 }
 
+Time_TempoTable::Time_TempoTable(std::shared_ptr<Time_TempoNumbers> const & iNumbersP)
+    : mNumbersP(iNumbersP),
+      mLinesP(iNumbersP->mLines.data()),
+      mWidesP(iNumbersP->mWides.data()),
+      mNumLines(static_cast<int>(iNumbersP->mLines.size())),
+      mNumWides(static_cast<int>(iNumbersP->mWides.size())) {}
+
+std::unique_ptr<Time_TempoTable> Time_TempoTable::MakeAppended(long long iTick, double iTempo,
+                                                               double iSampleRate) const {
+  std::shared_ptr<Time_TempoNumbers> const numbersP = CanGrow() ? mNumbersP : CopyNumbers();
+  numbersP->mLines.push_back({iTick, iTempo, 0, 0});
+  numbersP->DeriveLast(iSampleRate);
+  return std::make_unique<Time_TempoTable>(numbersP);
+}
+
+std::shared_ptr<Time_TempoNumbers> Time_TempoTable::CopyNumbers() const {
+  auto const numbersP = std::make_shared<Time_TempoNumbers>();
+  numbersP->mLines.reserve(2 * static_cast<size_t>(mNumLines));
+  numbersP->mLines.assign(mLinesP, mLinesP + mNumLines);
+  numbersP->mWides.reserve(2 * static_cast<size_t>(mNumWides));
+  numbersP->mWides.assign(mWidesP, mWidesP + mNumWides);
+  return numbersP;
+}
+
+// Whether a line fits behind those that this table sees without moving them. Wide numbers that are
+// the first of their kind move nothing.
+bool Time_TempoTable::CanGrow() const {
+  std::vector<Time_TempoLine> const & lines = mNumbersP->mLines;
+  std::vector<Time_TempoWideLine> const & wides = mNumbersP->mWides;
+  bool const isLatest = lines.size() == static_cast<size_t>(mNumLines) &&
+                        wides.size() == static_cast<size_t>(mNumWides);
+  return isLatest && lines.size() < lines.capacity() &&
+         (wides.empty() || wides.size() < wides.capacity());
+}
+
 Time_TempoLines::Time_TempoLines(Time_TempoTable const * iTableP)
-    : mFirst(iTableP ? iTableP->mLines.data() : &kLineAtStart),
-      mNum(iTableP ? static_cast<int>(iTableP->mLines.size()) : 1),
-      mWides(iTableP ? iTableP->mWides.data() : nullptr) {}
+    : mFirst(iTableP ? iTableP->mLinesP : &kLineAtStart),
+      mNum(iTableP ? iTableP->mNumLines : 1),
+      mWides(iTableP ? iTableP->mWidesP : nullptr) {}
 
 Time_TempoLine const & Time_TempoLines::LineOfTick(long long iTick) const {
   Time_TempoLine const * const after =

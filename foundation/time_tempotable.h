@@ -7,6 +7,7 @@
 // fit 128 bits; sums of many odd tempos need wide ones of fixed size.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include <boost/multiprecision/cpp_int.hpp>
@@ -33,15 +34,38 @@ struct Time_TempoWideLine {
   Time_IntWide mSample, mOffset, mNum, mDen;
 };
 
-struct Time_TempoTable {
+/// The numbers behind one table or several. What a table sees never changes: a later one of the
+/// same numbers sees more at the end, and the storage does not move while two share it.
+struct Time_TempoNumbers {
   std::vector<Time_TempoLine> mLines;  // at least one; ascending ticks, no two alike
   std::vector<Time_TempoWideLine> mWides;
-  mutable Time_TempoTable const * mNextReplacedP = nullptr;  // of the map that owns it
 
   /// Derives all numbers from ticks and tempos.
   void Derive(double iSampleRate);
   /// The same for the last line alone, which starts after tick 0 and behind another.
   void DeriveLast(double iSampleRate);
+};
+
+/// What conversions read: so many lines and wide numbers from the beginning.
+struct Time_TempoTable {
+  explicit Time_TempoTable(std::shared_ptr<Time_TempoNumbers> const & iNumbersP);
+
+  /// One more line at the end, amortised O(1): the next table shares these numbers as long as there
+  /// is room behind them and nobody has taken it.
+  std::unique_ptr<Time_TempoTable> MakeAppended(long long iTick, double iTempo,
+                                                double iSampleRate) const;
+  /// Numbers of their own, for edits elsewhere.
+  std::shared_ptr<Time_TempoNumbers> CopyNumbers() const;
+
+  std::shared_ptr<Time_TempoNumbers> mNumbersP;
+  Time_TempoLine const * mLinesP;
+  Time_TempoWideLine const * mWidesP;
+  int mNumLines;
+  int mNumWides;
+  mutable Time_TempoTable const * mNextReplacedP = nullptr;  // of the map that owns it
+
+private:
+  bool CanGrow() const;
 };
 
 /// Conversions over lines that somebody keeps alive. Nothing here allocates or throws.

@@ -250,6 +250,38 @@ TEST(Time_Converter_MakeTickRangeSampleBased, DefaultBodyGivesTheFirstTickOfTheS
   EXPECT_EQ(Print(end), "3s");
 }
 
+// Odd tempos, so that some of the changes need wide numbers.
+double OddTempo(int iIndex) {
+  return 60.0 + iIndex * 0.7310585786300049;
+}
+
+TEST(Time_TempoMap_SetTempoAt, GivesTheSameAppendedAsInsertedInFront) {
+  constexpr int kNum = 40;
+  Time_TempoMap appended, inserted;
+  for (int i = 1; i <= kNum; ++i)
+    appended.SetTempoAt(Time_Tick(i * 777777), OddTempo(i));
+  for (int i = kNum; i >= 1; --i)
+    inserted.SetTempoAt(Time_Tick(i * 777777), OddTempo(i));
+  ASSERT_EQ(kNum + 1, appended.GetNumTempoChanges());
+  for (long long tick = -1000000; tick < 40000000; tick += 98765) {
+    Time_Typed const time = Time_Tick(tick);
+    EXPECT_EQ(inserted.ToType(time, Time_eType_Samples).AsInt64(),
+              appended.ToType(time, Time_eType_Samples).AsInt64())
+        << tick;
+  }
+}
+
+TEST(Time_TempoMap_SetTempoAt, LeavesWhatWasAppendedWhenTheLastChangeIsReplaced) {
+  Time_TempoMap map;
+  map.SetTempoAt(Time_Tick(960000), 60.0);
+  map.SetTempoAt(Time_Tick(1920000), 240.0);
+  map.SetTempoAt(Time_Tick(1920000), 30.0);
+  map.SetTempoAt(Time_Tick(2880000), 120.0);
+  // 0.5 s, then 1 s, then 2 s.
+  EXPECT_EQ(168000, map.ToType(Time_Tick(2880000), Time_eType_Samples).AsInt64());
+  EXPECT_EQ(4, map.GetNumTempoChanges());
+}
+
 TEST(Time_TempoMap, StartsAt120BeatsPerMinute) {
   Time_TempoMap const map;
   EXPECT_EQ(map.GetTempoAt(Time_Tick(0)), 120.0);
