@@ -1,6 +1,7 @@
 #include "vrad/vrad_continuousdata.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -12,7 +13,7 @@ namespace {
 typedef Vrad_ContinuousData_Segment Segment;
 typedef std::vector<Segment> SegmentRun;
 
-constexpr int kNoUnit = -1;
+constexpr long long kNoUnit = std::numeric_limits<long long>::min();
 
 Segment MakeSegment(Time_Typed iTime, int iValue) {
   Segment segment;

@@ -133,8 +133,9 @@ private:
   Segments mSegments;  // ascending by time, no two alike, as far as the writers keep it so
 
   // An outline of the segments, by which most reads are done or made short. The unit of all times
-  // while they are known to ascend, else -1, as in an empty store and during an edit.
-  int mSortedUnit;
+  // while they are known to ascend; else, as in an empty store and during an edit, no int at all,
+  // since a time may be of any unit.
+  long long mSortedUnit;
   long long mFirstCount, mLastCount;  // valid with the unit
 };
 

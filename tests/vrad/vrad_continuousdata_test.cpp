@@ -90,6 +90,13 @@ TEST(Vrad_ContinuousData_AddValue, PutsSampleTimesInPlace) {
   EXPECT_EQ("39:1 1s:3 41:2", Print(data));
 }
 
+TEST(Vrad_ContinuousData_AddValue, PutsATimeOfNeitherUnitInPlaceByItsCount) {
+  TestData data({{200, 1}, {300, 2}});
+  data.AddValue(Sample(10), 3);
+  data.AddValue(Time_Typed(50, static_cast<Time_EType>(-1)), 9);
+  EXPECT_EQ("50:9 200:1 300:2 10s:3", Print(data));
+}
+
 TEST(Vrad_ContinuousData_AddValue, DoesNotSnap) {
   TickTimesMatterScope const scope;
   EXPECT_EQ("1001:1", Print(SnappingData({{1001, 1}})));
