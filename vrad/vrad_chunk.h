@@ -216,7 +216,8 @@ public:
   /// Nothing to walk.
   Vrad_ChunkExtendedEventsInRangeIter();
 
-  /// `iOffset` shapes the conversion of a tick range alone.
+  /// `iOffset` shapes the conversion of a tick range alone. Without a chunk there is nothing to
+  /// walk.
   Vrad_ChunkExtendedEventsInRangeIter(Vrad_Chunk * iChunkP, Time_Typed iStart, Time_Typed iEnd,
                                       Time_TypedLength iOffset, bool iRangeFlag,
                                       Vrae_Filter const & iFilter);

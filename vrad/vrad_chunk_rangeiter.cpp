@@ -33,6 +33,7 @@ Vrad_ChunkExtendedEventsInRangeIter::Vrad_ChunkExtendedEventsInRangeIter(
     Vrad_Chunk * iChunkP, Time_Typed iStart, Time_Typed iEnd, Time_TypedLength iOffset,
     bool iRangeFlag, Vrae_Filter const & iFilter)
     : mChunkP(iChunkP), mStart(iStart), mEnd(iEnd) {
+  if (iChunkP == nullptr) return;
   if (iFilter.Get(Vrae_Filter::eDataType_Notes))
     AddIfMore(std::make_unique<Vrad_NoteListBase::NotesExtendedEventInRangeIter>(
         iChunkP->GetNoteList(), Time_TypedLength(0, iStart.GetType()), iStart, iEnd, iRangeFlag));

@@ -133,6 +133,9 @@ private:
   Vrad_ContinuousData const & GetData() const;
   Time_Typed SkipChased(Time_Typed iStart, Vrae_ChaseTracker const * iTrackerP) const;
 
+  template <class TIter, class... TRange>
+  static std::unique_ptr<TIter> MakeIter(Vrad_ContinuousDataStream * iStreamP, TRange... iRange);
+
   Vrae_SubStream mSubStream;
   Ndo_Ptr<Vrad_ContinuousData> mDataP;  // null only in a restored stream whose data is gone: empty
 };

@@ -75,18 +75,25 @@ void Vrad_ContinuousDataStream::GetMidiEventsInRange(
   GetData().ForEachInRange(&filer, iStart, iEnd);
 }
 
+// Without a stream there is nothing to walk.
+template <class TIter, class... TRange>
+std::unique_ptr<TIter> Vrad_ContinuousDataStream::MakeIter(Vrad_ContinuousDataStream * iStreamP,
+                                                           TRange... iRange) {
+  if (iStreamP == nullptr) return nullptr;
+  return std::make_unique<TIter>(iStreamP->mDataP.Get(), iStreamP->mSubStream, iRange...);
+}
+
 typedef Vrad_ContinuousDataStreamTimedEventsInRangeIter TimedIter;
 typedef Vrad_ContinuousDataTimedEventsInRangeIter DataTimedIter;
 
 TimedIter::Vrad_ContinuousDataStreamTimedEventsInRangeIter() = default;
 
 TimedIter::Vrad_ContinuousDataStreamTimedEventsInRangeIter(Vrad_ContinuousDataStream * iStreamP)
-    : mIterP(std::make_unique<DataTimedIter>(iStreamP->mDataP.Get(), iStreamP->mSubStream)) {}
+    : mIterP(Vrad_ContinuousDataStream::MakeIter<DataTimedIter>(iStreamP)) {}
 
 TimedIter::Vrad_ContinuousDataStreamTimedEventsInRangeIter(Vrad_ContinuousDataStream * iStreamP,
                                                            Time_Typed iStart, Time_Typed iEnd)
-    : mIterP(std::make_unique<DataTimedIter>(iStreamP->mDataP.Get(), iStreamP->mSubStream, iStart,
-                                             iEnd)) {}
+    : mIterP(Vrad_ContinuousDataStream::MakeIter<DataTimedIter>(iStreamP, iStart, iEnd)) {}
 
 TimedIter::Vrad_ContinuousDataStreamTimedEventsInRangeIter(TimedIter const & iOther)
     : mIterP(iOther.mIterP ? std::make_unique<DataTimedIter>(*iOther.mIterP) : nullptr) {}
@@ -117,12 +124,11 @@ ExtendedIter::Vrad_ContinuousDataStreamExtendedEventsInRangeIter() = default;
 
 ExtendedIter::Vrad_ContinuousDataStreamExtendedEventsInRangeIter(
     Vrad_ContinuousDataStream * iStreamP)
-    : mIterP(std::make_unique<DataExtendedIter>(iStreamP->mDataP.Get(), iStreamP->mSubStream)) {}
+    : mIterP(Vrad_ContinuousDataStream::MakeIter<DataExtendedIter>(iStreamP)) {}
 
 ExtendedIter::Vrad_ContinuousDataStreamExtendedEventsInRangeIter(
     Vrad_ContinuousDataStream * iStreamP, Time_Typed iStart, Time_Typed iEnd)
-    : mIterP(std::make_unique<DataExtendedIter>(iStreamP->mDataP.Get(), iStreamP->mSubStream,
-                                                iStart, iEnd)) {}
+    : mIterP(Vrad_ContinuousDataStream::MakeIter<DataExtendedIter>(iStreamP, iStart, iEnd)) {}
 
 ExtendedIter::Vrad_ContinuousDataStreamExtendedEventsInRangeIter(ExtendedIter const & iOther)
     : mIterP(iOther.mIterP ? std::make_unique<DataExtendedIter>(*iOther.mIterP) : nullptr) {}

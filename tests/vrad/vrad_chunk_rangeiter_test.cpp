@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "cmn/cmn_assert.h"
+#include "foundation/ticktimesmatter.h"
 #include "foundation/time_convert.h"
 #include "support/chunk_samples.h"
 
@@ -53,6 +54,10 @@ TEST(Vrad_ChunkExtendedEventsInRangeIter, OfAnEmptyChunkHasNothing) {
 
 TEST(Vrad_ChunkExtendedEventsInRangeIter, ByDefaultHasNothing) {
   EXPECT_FALSE(Iter().IsMore());
+}
+
+TEST(Vrad_ChunkExtendedEventsInRangeIter, WithoutAChunkHasNothing) {
+  EXPECT_FALSE(Iter(nullptr, Ticks(0), Ticks(1000), kNoOffset, false, All()).IsMore());
 }
 
 TEST(Vrad_ChunkExtendedEventsInRangeIter, TheRangeIsHalfOpen) {
@@ -122,6 +127,58 @@ TEST(Vrad_ChunkExtendedEventsInRangeIter, TheOffsetShapesTheRangeOfTheStreamsAlo
   Iter const iter(chunk.Get(), Ticks(100), Ticks(140), Time_TypedLength(20, Time_eType_Ticks),
                   false, All());
   EXPECT_EQ(PrintRest(iter), "n60@80t+480t | n60@99t+480t | c7=100@100t | n60@100t+480t");
+}
+
+TEST(Vrad_ChunkExtendedEventsInRangeIter, HandsTheRangeFlagToBothRanges) {
+  // Notes what it is asked, and answers as the default map does.
+  class Converter : public Time_Converter {
+  public:
+    Time_Typed ToType(Time_Typed iTime, Time_EType iType) const override {
+      return Time_Convert::GetDefaultTempoMap().ToType(iTime, iType);
+    }
+    Time_Typed AddLength(Time_Typed iStart, Time_TypedLength const & iLength) const override {
+      return Time_Convert::GetDefaultTempoMap().AddLength(iStart, iLength);
+    }
+    void MakeTickRangeSampleBased(Time_Typed iStart, Time_Typed iEnd, bool iFlag,
+                                  Time_Typed & oStart, Time_Typed & oEnd) const override {
+      mCalls += Print(iStart) + ".." + Print(iEnd) + (iFlag ? "! " : " ");
+      Time_Converter::MakeTickRangeSampleBased(iStart, iEnd, iFlag, oStart, oEnd);
+    }
+    Converter() { Time_Convert::sTimeConverter = this; }
+    ~Converter() override { Time_Convert::sTimeConverter = &Time_Convert::GetDefaultTempoMap(); }
+
+    mutable std::string mCalls;
+  };
+  ChunkPtr const chunk = MakeChunk();
+  for (bool const flag : {false, true}) {
+    Converter const converter;
+    Iter const iter(chunk.Get(), Ticks(100), Ticks(140), Time_TypedLength(20, Time_eType_Ticks),
+                    flag, All());
+    EXPECT_EQ(converter.mCalls, flag ? "100t..140t! 80t..120t! " : "100t..140t 80t..120t ");
+  }
+}
+
+TEST(Vrad_ChunkExtendedEventsInRangeIter, WhileTickTimesMatterTheNotesRangeIsAsGiven) {
+  ChunkPtr const chunk = MakeChunk();
+  for (long long const tick : {99, 100, 119, 120, 129, 130}) {
+    chunk->AddEvent(SysexAt(Ticks(tick), 5));
+    chunk->AddEvent(NoteAt(Ticks(tick), 60));
+  }
+  TickTimesMatter::SetActive(true);
+  std::string const rest = PrintRange(chunk, 100, 130);
+  TickTimesMatter::SetActive(false);
+  EXPECT_EQ(rest, "x5@99t | x5@100t | n60@100t+480t | x5@119t | n60@119t+480t | n60@120t+480t | "
+                  "n60@129t+480t");
+}
+
+TEST(Vrad_ChunkExtendedEventsInRangeIter, ARangeInSamplesTakesTheTicksOfItsSamples) {
+  ChunkPtr const chunk = MakeChunk();
+  for (long long const tick : {79, 80, 119, 120}) {
+    chunk->AddEvent(ControllerAt(Ticks(tick), 7, 1));
+    chunk->AddEvent(NoteAt(Ticks(tick), 60));
+  }
+  Iter const iter(chunk.Get(), Samples(2), Samples(3), kNoOffset, false, All());
+  EXPECT_EQ(PrintRest(iter), "c7=1@80t | n60@80t+480t | c7=1@119t | n60@119t+480t");
 }
 
 TEST(Vrad_ChunkExtendedEventsInRangeIter, KeepsTheNotesExtras) {

@@ -636,6 +636,12 @@ TEST(Vrad_ContinuousDataStreamTimedEventsInRangeIter, DefaultOneHasNothing) {
   EXPECT_EQ(Vrae_TimedEvent(), *iter);
 }
 
+TEST(Vrad_ContinuousDataStreamTimedEventsInRangeIter, WithoutAStreamHasNothing) {
+  Vrad_ContinuousDataStream * const noneP = nullptr;
+  EXPECT_FALSE(Vrad_ContinuousDataStreamTimedEventsInRangeIter(noneP).IsMore());
+  EXPECT_FALSE(Vrad_ContinuousDataStreamTimedEventsInRangeIter(noneP, Tick(0), Tick(9)).IsMore());
+}
+
 TEST(Vrad_ContinuousDataStreamTimedEventsInRangeIter, WalksTheWholeStreamAndARange) {
   TestStream stream({{9, 1}, {10, 2}, {20, 3}});
   Vrad_ContinuousDataStreamTimedEventsInRangeIter all(&stream);
@@ -660,6 +666,13 @@ TEST(Vrad_ContinuousDataStreamExtendedEventsInRangeIter, DefaultOneHasNothing) {
   ++iter;
   EXPECT_FALSE(iter.IsMore());
   EXPECT_EQ(Vrae_TimedEvent(), *iter);
+}
+
+TEST(Vrad_ContinuousDataStreamExtendedEventsInRangeIter, WithoutAStreamHasNothing) {
+  Vrad_ContinuousDataStream * const noneP = nullptr;
+  EXPECT_FALSE(Vrad_ContinuousDataStreamExtendedEventsInRangeIter(noneP).IsMore());
+  EXPECT_FALSE(
+      Vrad_ContinuousDataStreamExtendedEventsInRangeIter(noneP, Tick(0), Tick(9)).IsMore());
 }
 
 TEST(Vrad_ContinuousDataStreamExtendedEventsInRangeIter, WalksTheWholeStreamAndARange) {
