@@ -122,7 +122,6 @@ private:
   typedef Vrad_EventStream_NdoState::Events Events;
 
   Events & Unshared();
-  Time_Typed Shifted(Time_Typed iTime, Time_TypedLength iOffset) const;
 
   std::shared_ptr<Events> mEventsP;  // never null; shared with snapshots and copies
   bool mSnapToCoarseTicks;
