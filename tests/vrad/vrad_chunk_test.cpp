@@ -33,6 +33,15 @@ void StoreCache(Vrad_Chunk & ioChunk) {
   ioChunk.StoreSortedEventList(new Vrad_DisplayItemList);
 }
 
+// Shows which stores snap while tick times matter.
+std::string AfterShiftBy400(Vrad_Chunk & ioChunk) {
+  Time_TypedLength const length(400, Time_eType_Ticks);
+  for (auto const & streamP : ioChunk.GetContinuousList())
+    streamP->OffsetTimes(length);
+  ioChunk.GetEventStream()->OffsetTimes(length);
+  return PrintContents(ioChunk);
+}
+
 std::string Indices(Vrad_Chunk const & iChunk) {
   std::string text;
   for (auto const & streamP : iChunk.GetContinuousList())
@@ -236,6 +245,31 @@ TEST(Vrad_Chunk_AddEvent, ASnappedSysexLosesItsStampAnUnsnappedOneKeepsIt) {
   EXPECT_EQ((*iter).mSourceStamp.mStampFlag, 0);
 }
 
+TEST(Vrad_Chunk_AddEvent, StreamsSnapAsTheChunkQuantizes) {
+  TickTimesOn const on;
+  for (bool const quantizes : {false, true}) {
+    ChunkPtr const chunk = MakeChunk(Ndo_Object::kNotUndoable, quantizes);
+    chunk->AddEvent(ControllerAt(Ticks(1000), 7, 1));
+    chunk->AddEvent(SysexAt(Ticks(1000), 5));
+    EXPECT_EQ(AfterShiftBy400(*chunk.Get()), quantizes
+                                                 ? "notes / stream 7 c7=1@1000t / misc x5@1000t"
+                                                 : "notes / stream 7 c7=1@1400t / misc x5@1400t");
+  }
+}
+
+TEST(Vrad_Chunk_EraseEvent, DoesNotSnap) {
+  TickTimesOn const on;
+  ChunkPtr const chunk = MakeChunk(Ndo_Object::kNotUndoable, true);
+  Vrad_ExtendedEvent const events[] = {NoteAt(Ticks(1400), 60), ControllerAt(Ticks(1400), 7, 1),
+                                       SysexAt(Ticks(1400), 5)};
+  for (Vrad_ExtendedEvent const & event : events)
+    chunk->AddEvent(event);
+  for (Vrad_ExtendedEvent const & event : events)
+    chunk->EraseEvent(event);
+  EXPECT_EQ(PrintContents(*chunk.Get()),
+            "notes n60@1000t+480t / stream 7 c7=1@1000t / misc x5@1000t");
+}
+
 TEST(Vrad_Chunk_EraseEvent, RemovesANote) {
   ChunkPtr const chunk = MakeChunk();
   chunk->AddEvent(NoteAt(Ticks(10), 60));
@@ -359,6 +393,20 @@ TEST(Vrad_Chunk_ReplaceData, GivesStreamsOfItsOwn) {
   EXPECT_EQ(PrintContents(*chunk.Get()), "notes / stream 10 c10=3@5t / misc");
 }
 
+TEST(Vrad_Chunk_ReplaceData, StreamsSnapAsTheSourcesDoTheSysexAsBefore) {
+  TickTimesOn const on;
+  ChunkPtr const snapping = MakeChunk(Ndo_Object::kNotUndoable, true), plain = MakeChunk();
+  for (Vrad_Chunk * const chunkP : {snapping.Get(), plain.Get()}) {
+    chunkP->AddEvent(ControllerAt(Ticks(1000), 7, 1));
+    chunkP->AddEvent(SysexAt(Ticks(1000), 5));
+  }
+  ChunkPtr const target = MakeChunk(), snappingTarget = MakeChunk(Ndo_Object::kNotUndoable, true);
+  target->ReplaceData(snapping.Get());
+  snappingTarget->ReplaceData(plain.Get());
+  EXPECT_EQ(AfterShiftBy400(*target.Get()), "notes / stream 7 c7=1@1000t / misc x5@1400t");
+  EXPECT_EQ(AfterShiftBy400(*snappingTarget.Get()), "notes / stream 7 c7=1@1400t / misc x5@1000t");
+}
+
 TEST(Vrad_Chunk_ReplaceData, WithItselfLosesItsStreams) {
   ChunkPtr const chunk = MakeChunk();
   chunk->AddEvent(NoteAt(Ticks(0), 60));
@@ -408,6 +456,26 @@ TEST(Vrad_Chunk_IsEventInChunk, FindsAContinuousValueByEquality) {
   EXPECT_TRUE(chunk->IsEventInChunk(ControllerAt(Samples(10), 7, 5)));
   EXPECT_FALSE(chunk->IsEventInChunk(ControllerAt(Samples(10), 7, 6)));
   EXPECT_FALSE(chunk->IsEventInChunk(ControllerAt(Samples(11), 7, 5)));
+}
+
+TEST(Vrad_Chunk_IsEventInChunk, ATimeInSamplesFindsWhatStandsWithinTheSample) {
+  ChunkPtr const chunk = MakeChunk();
+  chunk->AddEvent(ControllerAt(Ticks(439), 7, 5));  // sample 10 begins at tick 400
+  chunk->AddEvent(SysexAt(Ticks(401), 6));
+  EXPECT_TRUE(chunk->IsEventInChunk(ControllerAt(Samples(10), 7, 5)));
+  EXPECT_FALSE(chunk->IsEventInChunk(ControllerAt(Ticks(400), 7, 5)));
+  EXPECT_TRUE(chunk->IsEventInChunk(SysexAt(Samples(10), 6)));
+  EXPECT_FALSE(chunk->IsEventInChunk(SysexAt(Samples(11), 6)));
+}
+
+TEST(Vrad_Chunk_IsEventInChunk, DoesNotSnap) {
+  TickTimesOn const on;
+  ChunkPtr const chunk = MakeChunk(Ndo_Object::kNotUndoable, true);
+  for (Vrad_ExtendedEvent const & event : {Vrad_ExtendedEvent(ControllerAt(Ticks(1400), 7, 1)),
+                                           Vrad_ExtendedEvent(SysexAt(Ticks(1400), 5))}) {
+    chunk->AddEvent(event);
+    EXPECT_FALSE(chunk->IsEventInChunk(event));
+  }
 }
 
 TEST(Vrad_Chunk_IsEventInChunk, LeavesANewEmptyStreamWhereNoneWas) {
