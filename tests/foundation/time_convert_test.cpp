@@ -513,6 +513,24 @@ TEST(Time_TempoMap_AddLength, LimitsStay) {
             kMin);
 }
 
+TEST(Time_TempoMap, ReadersGoOnWhileChangesAreAddedBehind) {
+  Time_TempoMap map(60);
+  std::atomic<bool> stop(false);
+  std::atomic<int> numBad(0);
+  std::thread reader([&] {
+    while (!stop) {
+      if (ToSample(map, 960000) != 48000) ++numBad;
+      if (map.GetTempoAt(Time_Tick(960000LL * map.GetNumTempoChanges())) < 60) ++numBad;
+    }
+  });
+  for (int i = 1; i <= 2000; ++i)
+    map.SetTempoAt(Time_Tick(960000LL * i), i % 2 ? 120 : 99.9);
+  stop = true;
+  reader.join();
+  EXPECT_EQ(numBad, 0);
+  EXPECT_EQ(map.GetNumTempoChanges(), 2001);
+}
+
 TEST(Time_TempoMap, ReadersSeeWholeTablesDuringEdits) {
   Time_TempoMap map(60);
   std::atomic<bool> stop(false);
