@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <utility>
+#include <vector>
 
 #include "foundation/sys_file.h"
 
@@ -76,11 +78,15 @@ Sys_FileInStream::Sys_FileInStream(std::string const & iPath)
 
 Sys_FileInStream::~Sys_FileInStream() = default;
 
-// From the position on.
+// From the position on. After a failed read it holds nothing that a later one could take for the
+// file's.
 void Sys_FileInStream::FillBuffer() {
-  mBuffer.resize(std::min(kBufferSize, static_cast<size_t>(BytesLeft())));
+  std::vector<unsigned char> buffer = std::move(mBuffer);
+  mBuffer.clear();
+  buffer.resize(std::min(kBufferSize, static_cast<size_t>(BytesLeft())));
+  buffer.resize(mFileP->ReadAt(mPos, buffer.data(), buffer.size()));
+  mBuffer = std::move(buffer);
   mBufferPos = mPos;
-  mBuffer.resize(mFileP->ReadAt(mPos, mBuffer.data(), mBuffer.size()));
 }
 
 void Sys_FileInStream::ReadBlock(void * oData, int iNumBytes) {
