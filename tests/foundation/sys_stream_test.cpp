@@ -458,6 +458,32 @@ TEST_F(Sys_FileStream, AFailedWriteIsNotForgotten) {
   EXPECT_EQ(Contents(mPath), "old");
 }
 
+TEST_F(Sys_FileStream, AFailedWriteOfALargeBlockIsNotForgotten) {
+  WriteText("old");
+  {
+    Sys_FileOutStream out(mPath);
+    std::string const block(100000, 'x');
+    out.SetPos(LLONG_MAX - 200000);
+    EXPECT_EQ(ReasonOf([&] { out.WriteBlock(block.data(), 100000); }), Sys_StreamException::kIO);
+    out.SetPos(0);
+    EXPECT_EQ(ReasonOf([&] { out.Close(); }), Sys_StreamException::kIO);
+  }
+  EXPECT_EQ(Contents(mPath), "old");
+  EXPECT_EQ(NumFiles(), 1);
+}
+
+TEST_F(Sys_FileStream, CloseThrowsWhenTheTargetCannotBeReplaced) {
+  {
+    Sys_FileOutStream out(mPath);
+    out.Write(1);
+    fs::create_directories(fs::path(mPath) / "folder");
+    EXPECT_EQ(ReasonOf([&] { out.Close(); }), Sys_StreamException::kIO);
+    EXPECT_EQ(ReasonOf([&] { out.Close(); }), Sys_StreamException::kIO);
+  }
+  EXPECT_TRUE(fs::is_directory(mPath));
+  EXPECT_EQ(NumFiles(), 1);
+}
+
 TEST_F(Sys_FileStream, ClosingTwiceDoesNothing) {
   Sys_FileOutStream out(mPath);
   out.WriteBlock("a", 1);

@@ -44,6 +44,17 @@ struct WithoutConverter {
   ~WithoutConverter() { Time_Convert::sTimeConverter = &Time_Convert::GetDefaultTempoMap(); }
 };
 
+class AllEqual : public Time_Converter {
+public:
+  AllEqual() { Time_Convert::sTimeConverter = this; }
+  ~AllEqual() override { Time_Convert::sTimeConverter = &Time_Convert::GetDefaultTempoMap(); }
+  Time_Typed ToType(Time_Typed iTime, Time_EType) const override { return iTime; }
+  Time_Typed AddLength(Time_Typed iStart, Time_TypedLength const &) const override {
+    return iStart;
+  }
+  int Compare(Time_Typed, Time_Typed) const override { return 0; }
+};
+
 long long RoundTripCount(long long iCount, Time_EType iType) {
   long long count = 0;
   Time_EType type = Time_eType_Samples;
@@ -136,6 +147,14 @@ TEST(Time_Typed_Compare, LimitsLieBeyondEverythingElse) {
   EXPECT_TRUE(Ticks(kMax - 1) < Time_Typed::MaxTime(Time_eType_Samples));
   EXPECT_TRUE(Samples(kMin + 1) > Time_Typed::MinTime(Time_eType_Ticks));
   EXPECT_TRUE(Ticks(kMin + 1) > Time_Typed::MinTime(Time_eType_Samples));
+}
+
+TEST(Time_Typed_Compare, AHostsConverterNeedNotKnowTheLimits) {
+  AllEqual const converter;
+  EXPECT_TRUE(Samples(5) == Ticks(7));
+  EXPECT_TRUE(Samples(5) < Time_Typed::MaxTime(Time_eType_Ticks));
+  EXPECT_TRUE(Time_Typed::MinTime(Time_eType_Ticks) < Samples(5));
+  EXPECT_TRUE(Time_Typed::MaxTime(Time_eType_Samples) > Ticks(5));
 }
 
 TEST(Time_Typed_Compare, OtherUnitsCompareByCount) {

@@ -630,6 +630,40 @@ TEST_F(Ndo_Manager_Test, ReCreateRevivesTheKeptObjectsThatTheStateNames) {
   EXPECT_FALSE(Ndo_gManager.IsKept(child->NdoGetID()));
 }
 
+TEST_F(Ndo_Manager_Test, ReCreateTakesARevivedObjectOutOfTheStepThatHandedItOver) {
+  UndoTestObject * const owner = new UndoTestObject;
+  UndoTestObject * const child = new UndoTestObject;
+  owner->SetChild(child);
+  long long const id = owner->NdoGetID();
+  std::unique_ptr<Ndo_State> const state(owner->NdoGetState());
+  Ndo_gManager.BeginTransaction();
+  delete owner;  // hands the child over
+  std::unique_ptr<UndoTestObject> const again(
+      dynamic_cast<UndoTestObject *>(Ndo_gManager.ReCreate(state.get(), id)));
+  EXPECT_FALSE(Ndo_gManager.EndTransaction());
+  EXPECT_FALSE(Ndo_gManager.IsKept(child->NdoGetID()));
+}
+
+TEST_F(Ndo_Manager_Test, RevivedAndHandedOverAgainOutlivesTheRedoStepsThatCreatedIt) {
+  UndoTestObject owner;
+  Ndo_gManager.BeginTransaction();
+  UndoTestObject * const child = new UndoTestObject;
+  owner.SetChild(child);
+  Ndo_gManager.EndTransaction();
+  std::unique_ptr<Ndo_State> const state(owner.NdoGetState());
+  Ndo_gManager.Undo();
+  Ndo_gManager.BeginTransaction();
+  std::unique_ptr<UndoTestObject> const other(
+      dynamic_cast<UndoTestObject *>(Ndo_gManager.ReCreate(state.get(), 1000000)));
+  Ndo_HandOver(other->mChildP);
+  EXPECT_TRUE(Ndo_gManager.EndTransaction());
+  EXPECT_EQ(0, UndoTestObject::sNumCleanups);
+  Ndo_gManager.Undo();
+  EXPECT_EQ(child, Ndo_gManager.LookupObject(child->NdoGetID()));
+  EXPECT_FALSE(Ndo_gManager.IsKept(child->NdoGetID()));
+  delete child;
+}
+
 TEST_F(Ndo_Manager_Test, ReCreateReplacesAKeptObject) {
   UndoTestObject * const owner = new UndoTestObject;
   UndoTestObject * const child = new UndoTestObject;
