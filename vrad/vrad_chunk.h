@@ -163,8 +163,9 @@ public:
   /// Fails: throws on a chunk that is not undoable, whose stores have no identifiers.
   Ndo_State * NdoGetState() override;
 
-  /// Finds the stores by their identifiers; those held before are not touched, nor is the cached
-  /// list. Fails: throws on a state of another class and leaves the chunk unchanged.
+  /// Finds the stores by their identifiers, leaving out a stream that is gone; those held before
+  /// are not touched, nor is the cached list. Fails: throws on a state of another class and leaves
+  /// the chunk unchanged.
   void NdoRestoreState(Ndo_State * iStateP) override;
 
 private:

@@ -46,8 +46,10 @@ void Vrad_Chunk::NdoRestoreState(Ndo_State * iStateP) {
   streams.reserve(p->mContinuousRefs.size());
   mNoteListP = p->mNoteListRef.Resolve();
   mMiscEventsP = p->mMiscEventsRef.Resolve();
+  // A stream that was let go outside of any step may be gone for good: the list holds no null.
   for (Ndo_StateRef<Vrad_ContinuousDataStream> const & ref : p->mContinuousRefs)
-    streams.push_back(ref.Resolve());
+    if (Ndo_Ptr<Vrad_ContinuousDataStream> const streamP = ref.Resolve())
+      streams.push_back(streamP);
   mContinuousList = std::move(streams);
   mUID = p->mUID;
   mIsLocal = p->mIsLocal;

@@ -248,6 +248,24 @@ TEST_F(Vrad_Chunk_Undo, RestoringFindsTheStoresByTheirIdentifiers) {
   EXPECT_EQ(PrintContents(shell), before);
 }
 
+// The last value is erased outside of any step, so that the next step drops the stream for good.
+TEST_F(Vrad_Chunk_Undo, RestoringLeavesOutAStreamThatIsGone) {
+  mChunk->AddEvent(ControllerAt(Ticks(5), 10, 2));
+  Ndo_Transaction first;
+  mChunk->SetIsLocal(false);
+  first.End();
+  mChunk->EraseEvent(ControllerAt(Ticks(5), 7, 1));
+  Ndo_Transaction second;
+  mChunk->AddEvent(NoteAt(Ticks(1), 61));
+  second.End();
+  EXPECT_TRUE(Ndo_gManager.Undo());
+  EXPECT_TRUE(Ndo_gManager.Undo());
+  EXPECT_TRUE(mChunk->IsLocal());
+  EXPECT_EQ(Contents(), "notes n60@0t+480t / stream 10 c10=2@5t / misc x5@9t");
+  mChunk->AddEvent(ControllerAt(Ticks(6), 7, 3));
+  EXPECT_EQ(Contents(), "notes n60@0t+480t / stream 7 c7=3@6t / stream 10 c10=2@5t / misc x5@9t");
+}
+
 TEST_F(Vrad_Chunk_Undo, RestoringKeepsTheCache) {
   std::unique_ptr<Ndo_State> const stateP(mChunk->NdoGetState());
   Vrad_DisplayItemList * const listP = new Vrad_DisplayItemList;
