@@ -246,6 +246,20 @@ TEST_F(Vrae_ChaseTracker_ChaseAndRelease, SendsWhatIsReleaseOnlyInTheOldStateAnd
   EXPECT_FALSE(mOld.IsActive(Vrae_SubStream::PolyPressure(60)));
 }
 
+TEST_F(Vrae_ChaseTracker_ChaseAndRelease, SendsWhatTheOldMapDoesNotFollowAndTakesNothingOver) {
+  Vrae_ChaseTrackerMap const map;
+  Vrae_ChaseTrackerMap pedalMap;
+  pedalMap.AppendReleasingEntry(Vrae_SubStream::PolyPressure(60), 0);
+  pedalMap.DoneAddingChasingEntries();
+  Vrae_ChaseTracker older(&map, true), newer(&pedalMap, true);
+  older.ChaseEvent(Vrae_ControllerEvent(7, 90));
+  Pedal(older, 127);
+  newer.ChaseEvent(Vrae_PolyPressureEvent(60, 9));
+  newer.ChaseAndRelease(&older, &mOut);
+  EXPECT_EQ("cc1=0 poly60=9 cc1=0 cc64=0", mOut.Take());
+  EXPECT_TRUE(older.IsActive(Cc(7)));
+}
+
 TEST_F(Vrae_ChaseTracker_ChaseAndRelease, OnAMapThatChasesNothingOnlyReleases) {
   Vrae_ChaseTrackerMap map;
   map.Clear();  // no chasing entries at all
@@ -322,6 +336,38 @@ TEST_F(Vrae_ChaseTracker_DoMute, ForcesSustainAlone) {
   Pedal(mNew, 0);
   Bend(mNew, 0);
   EXPECT_EQ("cc64=0", DoMute(mNew, true));
+}
+
+TEST_F(Vrae_ChaseTracker_DoMute, ForcesThePressureOfPitch64NoMoreThanOthers) {
+  Vrae_ChaseTrackerMap map;
+  map.AppendReleasingEntry(Vrae_SubStream::PolyPressure(64), 0);
+  map.DoneAddingChasingEntries();
+  Vrae_ChaseTracker tracker(&map, true);
+  tracker.ChaseEvent(Vrae_PolyPressureEvent(64, 0));
+  EXPECT_EQ("", DoMute(tracker, true));
+  EXPECT_EQ(0, mRecorder.GetNum());
+}
+
+TEST_F(Vrae_ChaseTracker_DoMute, GoesInEntryOrder) {
+  Poly(mNew, 9);
+  Pressure(mNew, 9);
+  Pedal(mNew, 127);
+  Bend(mNew, 100);
+  EXPECT_EQ("bend=0 cc64=0 pressure=5 poly60=0", DoMute(mNew, false));
+}
+
+TEST_F(Vrae_ChaseTracker_DoMute, ClearsTheChangedFlagOfAReleaseOnlyEntryToo) {
+  Vrae_ChaseTrackerMap chasingMap;
+  chasingMap.AppendReleasingEntry(Vrae_SubStream::PolyPressure(60), 0);
+  chasingMap.DoneAddingChasingEntries();
+  Vrae_ChaseTracker newer(&chasingMap, true);
+  newer.ChaseEvent(Vrae_PolyPressureEvent(60, 0));
+  Change(mOld, Vrae_PolyPressureEvent(60, 0));
+  newer.DoMutedUpdate(&mOld);
+  EXPECT_EQ("poly60=0", DoUnMute(newer)) << "changed, as the old entry is";
+  DoMute(mOld, false);
+  newer.DoMutedUpdate(&mOld);
+  EXPECT_EQ("", DoUnMute(newer));
 }
 
 TEST_F(Vrae_ChaseTracker_DoMute, ClearsTheChangedFlags) {
@@ -470,6 +516,13 @@ TEST_F(Vrae_ChaseTracker_DoUnMutedUpdate, ChangesNoFlag) {
   DoUnMutedUpdate();
   EXPECT_TRUE(mOld.IsActive(Vrae_SubStream::PitchBend()));
   EXPECT_EQ("cc7=90 bend=0", DoUnMutedUpdate());
+}
+
+TEST_F(Vrae_ChaseTracker_DoUnMutedUpdate, SendsWhatTheOldMapDoesNotFollow) {
+  Vrae_ChaseTracker older(&mMap, true);
+  mNew.ChaseEvent(Vrae_ControllerEvent(8, 9));
+  mNew.DoUnMutedUpdate(&older, &mOut);
+  EXPECT_EQ("cc8=9", mOut.Take());
 }
 
 TEST_F(Vrae_ChaseTracker_DoUnMutedUpdate_OfAClearedMap, ServesTheEntriesOutOfReachToo) {

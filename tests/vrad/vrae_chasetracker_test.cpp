@@ -116,6 +116,23 @@ TEST_F(Vrae_ChaseTracker_Construction, CopiesTheValueTimes) {
   EXPECT_EQ(5, ValueOf(copy, Cc(7)));
 }
 
+TEST_F(Vrae_ChaseTracker_Construction, ACopysChangedFlagsAreItsOwn) {
+  mOld.ChaseEvent(Vrae_ControllerEvent(7, 5));
+  Vrae_ChaseTracker const copy(&mOld);
+  mOld.TrackEvent(Vrae_ControllerEvent(7, 6));
+  EXPECT_EQ("cc7=6", UnMuted(mOld));
+  EXPECT_EQ("", UnMuted(copy));
+}
+
+TEST_F(Vrae_ChaseTracker_Construction, ACopysValueTimesAreItsOwn) {
+  mOld.SetActiveValueIfLater(Cc(7), 5, Tick(100));
+  Vrae_ChaseTracker copy(&mOld);
+  mOld.SetActiveValueIfLater(Cc(7), 6, Tick(200));
+  copy.SetActiveValueIfLater(Cc(7), 7, Tick(150));
+  EXPECT_EQ(7, ValueOf(copy, Cc(7)));
+  EXPECT_EQ(6, ValueOf(mOld, Cc(7)));
+}
+
 TEST_F(Vrae_ChaseTracker_Construction, CopiesReleaseOnMute) {
   Vrae_ChaseTracker quiet(&mSmallMap, false);
   quiet.TrackEvent(Vrae_PitchBendEvent(100));
@@ -184,6 +201,26 @@ TEST_F(Vrae_ChaseTracker_Construction, ClearAfterHandleReleaseEventOnAClearTrack
   mNew.HandleReleaseEvent(Vrae_ReleaseControllerEvent(64), &mOut);
   mNew.Clear();
   EXPECT_EQ("", Prepped(mNew));
+}
+
+TEST_F(Vrae_ChaseTracker_Construction, ClearSweepsAfterSingleFlagsWereTakenBack) {
+  auto const takeBacks = {+[](Vrae_ChaseTracker & t, ChasePrinter &) { t.ClearActiveFlag(Cc(64)); },
+                          +[](Vrae_ChaseTracker & t, ChasePrinter & o) {
+                            t.HandleReleaseEvent(Vrae_ReleaseControllerEvent(64), &o);
+                          },
+                          +[](Vrae_ChaseTracker & t, ChasePrinter & o) {
+                            Cmn_AssertRecorder const silent;
+                            t.Release(&o, Vrae_ChaseTracker::kReleaseAndDeactivate);
+                          }};
+  for (auto const takeBack : takeBacks) {
+    mNew.ChaseEvent(Vrae_ControllerEvent(64, 127));
+    mNew.ChaseEvent(Vrae_ControllerEvent(7, 5));
+    takeBack(mNew, mOut);
+    ASSERT_FALSE(mNew.IsActive(Cc(64)));
+    ASSERT_TRUE(mNew.IsActive(Cc(7)));
+    mNew.Clear();
+    EXPECT_FALSE(mNew.IsActive(Cc(7)));
+  }
 }
 
 TEST_F(Vrae_ChaseTracker_Construction, AnEntryThatTheMapGotLaterCountsAsAbsent) {

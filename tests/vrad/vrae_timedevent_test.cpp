@@ -340,6 +340,21 @@ TEST(Vrae_Chord_CanAdd, RoundsThreeQuartersDown) {
   EXPECT_FALSE(chord.CanAdd(Note(Tick(2), Ticks(1))));
 }
 
+TEST(Vrae_Chord_CanAdd, MultipliesByThreeBeforeItDividesByFour) {
+  // Three quarters of 6 are 4, not three times 6 / 4; and of 7 they are 5.
+  EXPECT_FALSE(ChordOf(Note(Tick(0), Ticks(6))).CanAdd(Note(Tick(3), Ticks(3))));
+  EXPECT_TRUE(ChordOf(Note(Tick(0), Ticks(6))).CanAdd(Note(Tick(2), Ticks(4))));
+  EXPECT_FALSE(ChordOf(Note(Tick(0), Ticks(7))).CanAdd(Note(Tick(3), Ticks(4))));
+  EXPECT_TRUE(ChordOf(Note(Tick(0), Ticks(7))).CanAdd(Note(Tick(2), Ticks(5))));
+}
+
+TEST(Vrae_Chord_CanAdd, RoundsAQuarterOfAShortNoteDown) {
+  // A quarter of 11 is 2.
+  Vrae_Chord const chord = ChordOf(Note(Tick(0), Ticks(11)));
+  EXPECT_TRUE(chord.CanAdd(Note(Tick(1), Ticks(1000))));
+  EXPECT_FALSE(chord.CanAdd(Note(Tick(2), Ticks(1000))));
+}
+
 TEST(Vrae_Chord_CanAdd, HasAWindowOf480000TicksAfterALongNote) {
   Vrae_Chord const chord = ChordOf(Note(Tick(0), Ticks(9600000)));
   EXPECT_FALSE(chord.CanAdd(Note(Tick(480000), Ticks(1000))));
