@@ -361,6 +361,21 @@ TEST_F(Vrae_ChaseTracker_Feeding, EachOfThemEndsTheClearMark) {
   }
 }
 
+TEST_F(Vrae_ChaseTracker_Feeding, AReleaseOnlyEntryEndsTheClearMarkToo) {
+  Vrae_SubStream const poly = Vrae_SubStream::PolyPressure(60);
+  Vrae_ChaseTracker tracker(&mSmallMap, true);
+  auto const feeds = {
+      +[](Vrae_ChaseTracker & t) { t.ChaseEvent(Vrae_PolyPressureEvent(60, 9)); },
+      +[](Vrae_ChaseTracker & t) { t.TrackEvent(Vrae_PolyPressureEvent(60, 9)); },
+      +[](Vrae_ChaseTracker & t) { t.TrackValue(Vrae_SubStream::PolyPressure(60), 9); }};
+  for (auto const feed : feeds) {
+    feed(tracker);
+    ASSERT_TRUE(tracker.IsActive(poly));
+    tracker.Clear();
+    ASSERT_FALSE(tracker.IsActive(poly));
+  }
+}
+
 TEST_F(Vrae_ChaseTracker_Feeding, ProgramsKeepBankAndFlags) {
   mNew.ChaseEvent(Vrae_ProgramEvent(5, 0x0123));
   EXPECT_EQ(0x012305, ValueOf(mNew, Vrae_SubStream::Program()));

@@ -211,6 +211,14 @@ TEST(Vrae_Event_Equality, AShortSysexOfNegativeLengthComparesByLengthAlone) {
   EXPECT_TRUE(a < Sysex({}));
 }
 
+TEST(Vrae_Event_Equality, ACorruptLengthStaysInsideTheFieldOfBytes) {
+  Vrae_Event a = Sysex(Repeated(14, 5)), b = Sysex(Repeated(14, 5));
+  a.mU.mShortSysex.mLength = b.mU.mShortSysex.mLength = 78;
+  b.mU.mClipEvent.mDuration = ~0ull;  // far behind the bytes
+  EXPECT_TRUE(a == b);
+  EXPECT_FALSE(a < b);
+}
+
 TEST(Vrae_Event_Equality, CopiesOfOneLongSysexAreEqual) {
   Vrae_Event const event = Sysex(Repeated(20, 5));
   Vrae_Event const copy(event);

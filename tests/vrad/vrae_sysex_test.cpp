@@ -296,11 +296,14 @@ TEST_F(Vrae_Sysex, AFragmentsContentsAreTwoBytesShorter) {
 
 TEST_F(Vrae_Sysex, AFragmentOfOneByteHasNoContents) {
   Cmn_AssertRecorder const silent;
+  typedef std::vector<unsigned char> Stored;
   Mem2_MasterAllocator pool(4096);
-  Vrae_Event const event = MakeStored({0xF0}, &pool);
-  Vrae_SysexEvent const & view = static_cast<Vrae_SysexEvent const &>(event);
-  EXPECT_EQ(view.GetLength(), -1);
-  EXPECT_EQ(Read(view, 0, 1, 1), Bytes{0x55});
+  for (Stored const & bytes : {Stored{0xF0}, Stored{0xF7}, Stored{7}}) {
+    Vrae_Event const event = MakeStored(bytes, &pool);
+    Vrae_SysexEvent const & view = static_cast<Vrae_SysexEvent const &>(event);
+    EXPECT_EQ(view.GetLength(), -1);
+    EXPECT_EQ(Read(view, 0, 1, 1), Bytes{0x55});
+  }
 }
 
 TEST_F(Vrae_Sysex, GetDirectDataPtrOfAnotherKindIsNullWithThrowingOff) {
