@@ -8,15 +8,14 @@ target_link_libraries(vrad_test_framework PRIVATE GTest::gmock GTest::gtest)
 target_precompile_headers(vrad_test_framework PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 
 function(vrad_test_program iFile)
-  if(NOT EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${iFile})
-    return()
-  endif()
   cmake_path(GET iFile STEM name)
   add_executable(${name} ${iFile})
   vrad_warnings(${name})
-  # Optimizing a test program takes longer than running it. Property tests run long enough to be
-  # worth it; all others share one precompiled header of the test framework.
-  if(NOT iFile MATCHES "^properties/")
+  # Optimizing a test program takes longer than running it; property tests run long enough to be
+  # worth a little. All others share one precompiled header of the test framework.
+  if(iFile MATCHES "^properties/")
+    target_compile_options(${name} PRIVATE -O1)
+  else()
     target_compile_options(${name} PRIVATE -O0)
     target_precompile_headers(${name} REUSE_FROM vrad_test_framework)
   endif()
