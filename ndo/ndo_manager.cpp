@@ -49,13 +49,14 @@ struct Link {
 // of the registration it holds.
 struct CreatedLink : Link {};  // the objects that a step created
 struct DeletedLink : Link {};  // the objects that a step handed over
+struct OpenLink : Link {};     // the objects handed over in the open transaction
 struct LooseLink : Link {};    // the kept objects that no step can bring back
 struct RecordLink : Link {};   // one object's records in all steps
 
 }  // namespace
 
 /// What the manager knows of one undoable object.
-struct Ndo_Registration : CreatedLink, DeletedLink, LooseLink {
+struct Ndo_Registration : CreatedLink, DeletedLink, OpenLink, LooseLink {
   Ndo_Object * mObjectP = 0;
   bool mIsKept = false;
   unsigned long long mAnnouncedIn = 0;  // number of the transaction; 0: none yet
@@ -124,6 +125,7 @@ struct Ndo_Manager::History {
   Steps mOpenStep;                 // one step in a transaction, else empty
   unsigned long long mSerial = 0;  // of the last transaction begun
   long long mNextID = 1;
+  OpenLink mHandedOver;  // apart from the steps: an aborted transaction leaves those as they were
   LooseLink mLoose;
   bool mIsDropping = false;   // what is handed over now is handed over by a dropped owner
   bool mIsRestoring = false;  // what is looked up now is wired in
@@ -275,7 +277,8 @@ void Ndo_Manager::History::DropRedoSteps() {
     UnlinkAll(step.mDeleted);
   for (Step & step : mRedoSteps) {
     ForEach(step.mCreated, [this](Ndo_Registration & ioOne) {
-      if (ioOne.mIsKept && !ioOne.DeletedLink::IsLinked()) ioOne.LooseLink::LinkBefore(mLoose);
+      bool const isHandedOver = ioOne.DeletedLink::IsLinked() || ioOne.OpenLink::IsLinked();
+      if (ioOne.mIsKept && !isHandedOver) ioOne.LooseLink::LinkBefore(mLoose);
     });
     UnlinkAll(step.mCreated);
   }
@@ -320,9 +323,12 @@ bool Ndo_Manager::EndTransaction() {
   if (!IsRecording()) throw std::logic_error("End without a transaction");
   History & history = *mHistoryP;
   Step & step = history.mOpenStep.front();
-  bool const isStep = !step.mRecords.empty() || step.mDeleted.IsLinked();
+  bool const isStep = !step.mRecords.empty() || history.mHandedOver.IsLinked();
   if (isStep) {
     history.DropRedoSteps();
+    ForEach(history.mHandedOver,
+            [&step](Ndo_Registration & ioOne) { ioOne.DeletedLink::LinkBefore(step.mDeleted); });
+    UnlinkAll(history.mHandedOver);
     history.mUndoSteps.splice(history.mUndoSteps.end(), history.mOpenStep);
   } else {
     UnlinkAll(step.mCreated);
@@ -338,8 +344,8 @@ void Ndo_Manager::AbortTransaction() {
   History::Steps aborted;
   aborted.swap(history.mOpenStep);
   Step & step = aborted.front();
-  ForEach(step.mDeleted, [&history](Ndo_Registration & ioOne) { history.Revive(ioOne); });
-  UnlinkAll(step.mDeleted);
+  ForEach(history.mHandedOver, [&history](Ndo_Registration & ioOne) { history.Revive(ioOne); });
+  UnlinkAll(history.mHandedOver);
   UnlinkAll(step.mCreated);
   if (std::exception_ptr const failure = history.Rewind(step)) std::rethrow_exception(failure);
 }
@@ -411,6 +417,7 @@ Ndo_Object * Ndo_Manager::LookupObject(long long iID) {
   if (mHistoryP->mIsRestoring && registrationP->mIsKept) {
     mHistoryP->Revive(*registrationP);
     registrationP->DeletedLink::Unlink();
+    registrationP->OpenLink::Unlink();
   }
   return registrationP->mObjectP;
 }
@@ -465,7 +472,7 @@ void Ndo_Manager::HandOver(Ndo_Registration * iRegistrationP) noexcept {
   if (history.mOpenStep.empty() || history.mIsDropping)
     iRegistrationP->LooseLink::LinkBefore(history.mLoose);
   else
-    iRegistrationP->DeletedLink::LinkBefore(history.mOpenStep.front().mDeleted);
+    iRegistrationP->OpenLink::LinkBefore(history.mHandedOver);
 }
 
 void Ndo_Manager::Announce(Ndo_Registration * iRegistrationP) {

@@ -529,6 +529,25 @@ TEST_F(Ndo_Manager_Test, AbortRevivesWhatWasHandedOver) {
   EXPECT_EQ(child, owner.mChildP.Get());
 }
 
+// Handed over by a step that was undone, and again by the transaction that was aborted.
+TEST_F(Ndo_Manager_Test, AbortLeavesTheHandOversOfTheRedoSteps) {
+  UndoTestObject owner;
+  UndoTestObject * const child = new UndoTestObject;
+  long long const id = child->NdoGetID();
+  owner.SetChild(child);
+  Ndo_gManager.BeginTransaction();
+  owner.SetChild(0);
+  Ndo_gManager.EndTransaction();
+  Ndo_gManager.Undo();
+  Ndo_gManager.BeginTransaction();
+  owner.SetChild(0);
+  Ndo_gManager.AbortTransaction();
+  EXPECT_TRUE(Ndo_gManager.Redo());
+  EXPECT_TRUE(Ndo_gManager.IsKept(id));
+  Ndo_gManager.ClearHistory();
+  EXPECT_EQ(nullptr, Ndo_gManager.LookupObject(id));
+}
+
 TEST_F(Ndo_Manager_Test, ObjectCreatedInAnAbortedTransactionLivesOn) {
   Ndo_gManager.BeginTransaction();
   std::unique_ptr<UndoTestObject> a(new UndoTestObject);
