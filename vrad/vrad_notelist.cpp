@@ -2,7 +2,6 @@
 
 #include <climits>
 #include <cstring>
-#include <utility>
 
 #include "cmn/cmn_assert.h"
 #include "foundation/time_convert.h"
@@ -179,7 +178,7 @@ Time_Typed Vrad_NoteListBase::TimeOfLastNote() const {
 }
 
 Vrad_NoteWithDurationExtendedEvent Vrad_NoteListBase::Last() const {
-  return ToExtendedEvent(std::as_const(mNotes).back());
+  return ToExtendedEvent(mNotes.back());
 }
 
 Vrad_NoteWithDurationExtendedEvent

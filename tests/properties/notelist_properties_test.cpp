@@ -78,16 +78,25 @@ public:
     }
     return -1;
   }
-  Notes InRange(Time_Typed iStart, Time_Typed iEnd) const {
+  Notes InRange(Time_Typed iStart, Time_Typed iEnd) const { return From(LowerBound(iStart), iEnd); }
+  // Up to the first note that starts after the last one, where tempo changes broke the order.
+  Notes All() const {
+    if (mNotes.empty()) return mNotes;
+    Time_Typed end = mNotes.back().mTime;
+    return From(0, ++end);
+  }
+
+  Notes mNotes;
+
+private:
+  Notes From(int iFirst, Time_Typed iEnd) const {
     Notes result;
-    for (size_t i = static_cast<size_t>(LowerBound(iStart)); i < mNotes.size(); ++i) {
+    for (size_t i = static_cast<size_t>(iFirst); i < mNotes.size(); ++i) {
       if (!(mNotes[i].mTime < iEnd)) break;
       result.push_back(mNotes[i]);
     }
     return result;
   }
-
-  Notes mNotes;
 };
 
 class PlainNoteList {
@@ -195,8 +204,8 @@ Notes Sustaining(Vrad_NoteListBase & iList, Time_Typed iTime) {
   return result;
 }
 
-// What units times and durations of a script have.
-enum EUnits { kTicks, kMixedDurations, kMixedTimes };
+// What units times and durations of a script have, and the times it asks about.
+enum EUnits { kTicks, kSamples, kMixedQuestions, kMixedDurations, kMixedTimes };
 
 class Script {
 public:
@@ -231,17 +240,15 @@ public:
   }
 
   void Check() {
-    RC_ASSERT(Print(All(mReal)) ==
-                  Print(mPlain.mMain.InRange(mPlain.mMain.TimeOfFirst(),
-                                             Time_Typed::MaxTime(Time_eType_Ticks))) ||
-              mUnits == kMixedTimes);
-    Time_Typed const a = AnyTime(), b = AnyTime();
+    RC_ASSERT(Print(All(mReal)) == Print(mPlain.mMain.All()));
+    Time_Typed const a = AnyTime(AsksMixed()), b = AnyTime(AsksMixed());
     RC_ASSERT(Print(InRange(mReal, a, b)) == Print(mPlain.mMain.InRange(a, b)));
     RC_ASSERT(Print(Sustaining(mReal, a)) == Print(mPlain.Sustaining(a)));
     Expect(mReal.GetEarliestReleaseTimeForNotesInRange(a, b), mPlain.EarliestRelease(a, b));
     Expect(mReal.GetLastReleaseTimeForNotesInRange(a, b), mPlain.LastRelease(a, b));
     Expect(mReal.GetLatestReleaseTimeForNotesInRange(a, b), mPlain.LatestRelease(a, b));
     RC_ASSERT(mReal.Size() == mPlain.mMain.mNotes.size());
+    RC_ASSERT(Print(All(*mReal.GetLongNoteList())) == Print(mPlain.mLong.All()));
     RC_ASSERT(mReal.GetLongNoteList()->Size() == mPlain.mLong.mNotes.size());
     CheckEarliest();
   }
@@ -259,18 +266,21 @@ private:
       if (note.mTime < plain) plain = note.mTime;
     Expect(earliest, plain);
   }
+  bool AsksMixed() const { return mUnits == kMixedTimes || mUnits == kMixedQuestions; }
   Time_EType AnyUnit(bool iMayMix) const {
+    if (mUnits == kSamples) return Time_eType_Samples;
     return iMayMix && *rc::gen::inRange(0, 3) == 0 ? Time_eType_Samples : Time_eType_Ticks;
   }
-  Time_Typed AnyTime() const {
-    Time_EType const unit = AnyUnit(mUnits == kMixedTimes);
+  Time_Typed AnyTime(bool iMayMix) const {
+    Time_EType const unit = AnyUnit(iMayMix);
     int const count = *rc::gen::inRange(-20, 2000);
-    return Time_Typed(unit == Time_eType_Ticks ? count : count / 40, unit);
+    bool const isShared = iMayMix && unit == Time_eType_Samples;  // both units in one stretch
+    return Time_Typed(isShared ? count / 40 : count, unit);
   }
   Vrae_NoteWithDurationEvent AnyEvent() const {
     bool const isLong = *rc::gen::inRange(0, 5) == 0;
     Time_TypedLength const duration(*rc::gen::inRange(1, isLong ? 1500 : 60),
-                                    AnyUnit(mUnits != kTicks));
+                                    AnyUnit(mUnits == kMixedDurations || mUnits == kMixedTimes));
     return Vrae_NoteWithDurationEvent(static_cast<signed char>(*rc::gen::inRange(60, 64)), duration,
                                       static_cast<signed char>(*rc::gen::inRange(1, 3)), 64);
   }
@@ -283,7 +293,7 @@ private:
 
   void AddSome() {
     for (int i = *rc::gen::inRange(1, 60); i > 0; --i) {
-      Note const note(AnyTime(), AnyEvent());
+      Note const note(AnyTime(mUnits == kMixedTimes), AnyEvent());
       mReal.AddNote(note);
       mPlain.Add(note);
     }
@@ -344,6 +354,12 @@ void Run(EUnits iUnits) {
 
 RC_GTEST_PROP(Vrad_NoteList_Edits, AnyScriptInTicksIsThePlainWalk, ()) {
   Run(kTicks);
+}
+RC_GTEST_PROP(Vrad_NoteList_Edits, AnyScriptInSamplesIsThePlainWalk, ()) {
+  Run(kSamples);
+}
+RC_GTEST_PROP(Vrad_NoteList_Edits, AnyScriptInTicksAskedInBothUnitsIsThePlainWalk, ()) {
+  Run(kMixedQuestions);
 }
 RC_GTEST_PROP(Vrad_NoteList_Edits, AnyScriptWithMixedDurationsIsThePlainWalk, ()) {
   Run(kMixedDurations);

@@ -2,6 +2,7 @@
 
 #include "cmn/cmn_assert.h"
 #include "foundation/ticktimesmatter.h"
+#include "foundation/time_convert.h"
 #include "support/vrad_notes.h"
 #include "vrad/vrad_notelist.h"
 
@@ -35,6 +36,23 @@ std::string PrintRest(ExtendedIter iIter) {
     result += Print((*iIter).mTime) + " ";
   return result;
 }
+
+// A host's converter: notes what it is asked and moves both bounds up by 1000.
+class AskedConverter : public Time_TempoMap {
+public:
+  AskedConverter() : mFormerP(Time_Convert::sTimeConverter) { Time_Convert::sTimeConverter = this; }
+  ~AskedConverter() override { Time_Convert::sTimeConverter = mFormerP; }
+  void MakeTickRangeSampleBased(Time_Typed iStart, Time_Typed iEnd, bool iFlag, Time_Typed & oStart,
+                                Time_Typed & oEnd) const override {
+    mAsked += Print(iStart) + " " + Print(iEnd) + (iFlag ? " on" : " off") + "; ";
+    oStart = iStart + TickLength(1000);
+    oEnd = iEnd + TickLength(1000);
+  }
+  mutable std::string mAsked;
+
+private:
+  Time_Converter * mFormerP;
+};
 
 }  // namespace
 
@@ -173,6 +191,29 @@ TEST(Vrad_NoteList_ExtendedIter, TheOffsetTakesPartInTheConversion) {
             PrintRest(ExtendedIter(&list, TickLength(10), TickTime(85), TickTime(100), false)));
 }
 
+TEST(Vrad_NoteList_ExtendedIter, AHostsConverterSeesTheShiftedRangeAndTheFlag) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  for (long long time : {85, 1084, 1085, 1099, 1100})
+    AddNote(list, 60, time, 1);
+  AskedConverter const converter;
+  ExtendedIter const iter(&list, TickLength(10), TickTime(85), TickTime(100), true);
+  EXPECT_EQ("1085 1099 ", PrintRest(iter));
+  ExtendedIter(&list, TickLength(0), TickTime(85), TickTime(100), false);
+  EXPECT_EQ("75 90 on; 85 100 off; ", converter.mAsked);
+}
+
+TEST(Vrad_NoteList_ExtendedIter, AHostsConverterIsNotAskedForARangeTakenAsGiven) {
+  Vrad_NoteList list = MakeList();
+  AskedConverter const converter;
+  ExtendedIter{&list};
+  ExtendedIter(&list, TickLength(0), SampleTime(0), TickTime(20), true);
+  ExtendedIter(&list, TickLength(0), Time_Typed::MinTime(Time_eType_Ticks), TickTime(20), true);
+  TickTimesMatter::SetActive(true);
+  ExtendedIter(&list, TickLength(0), TickTime(0), TickTime(20), true);
+  TickTimesMatter::SetActive(false);
+  EXPECT_EQ("", converter.mAsked);
+}
+
 TEST(Vrad_NoteList_ExtendedIter, WithAnOpenStartTakesTheRangeAsGiven) {
   Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
   for (long long time : {40, 84, 90})
@@ -232,6 +273,46 @@ TEST(Vrad_NoteList_Sustaining, ALongNoteAtTheSplitTimeComesOnce) {
   list.SetLongNoteDuration(TickLength(100));
   AddNote(list, 60, 902, 100);
   EXPECT_EQ("60@902+100", Sustaining(list, TickTime(1000)));
+}
+
+// The first walk goes over the copies: what is not copied is missed before the split time, and what
+// is no longer in the list is found there.
+TEST(Vrad_NoteList_Sustaining, BeforeTheSplitTimeTheCopiesAreLookedAt) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  AddNote(list, 60, 901, 500);  // not copied
+  list.SetLongNoteDuration(TickLength(100));
+  AddNote(*list.GetLongNoteList(), 61, 901, 100);
+  AddNote(*list.GetLongNoteList(), 62, 902, 100);  // at the split time
+  EXPECT_EQ("61@901+100", Sustaining(list, TickTime(1000)));
+}
+
+TEST(Vrad_NoteList_Sustaining, LongNotesThatEndEarlierAreSteppedOverInBothWalks) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  list.SetLongNoteDuration(TickLength(100));
+  AddNote(list, 60, 0, 100);
+  AddNote(list, 61, 10, 990);  // ends at the time itself
+  AddNote(list, 62, 910, 90);
+  AddNote(list, 63, 920, 81);
+  AddNote(list, 64, 1000, 50);  // starts at the time itself
+  EXPECT_EQ("63@920+81", Sustaining(list, TickTime(1000)));
+}
+
+// The split time then lies behind the time, so a long note that only starts there is handed out.
+TEST(Vrad_NoteList_Sustaining, AThresholdOfOneLetsTheFirstWalkReachTheTimeItself) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  list.SetLongNoteDuration(TickLength(1));
+  AddNote(list, 60, 99, 10);
+  AddNote(list, 61, 100, 10);
+  AddNote(list, 62, 101, 10);
+  EXPECT_EQ("60@99+10 | 61@100+10", Sustaining(list, TickTime(100)));
+}
+
+TEST(Vrad_NoteList_Sustaining, WithoutAListReportsAndHasNothing) {
+  FullSustainingIter const iter(0, TickTime(5));
+  Cmn_AssertRecorder recorder;
+  EXPECT_FALSE(iter.IsMore());
+  EXPECT_EQ(1, recorder.GetNum("mListP != 0"));
+  EXPECT_EQ(1, recorder.GetNum());
 }
 
 TEST(Vrad_NoteList_Sustaining, ANoteThatBecameLongIsMissedBeforeTheSplitTime) {

@@ -90,6 +90,101 @@ TEST_F(Vrad_NoteList_Undo, ChangingAnnouncesOnlyWhatIsFoundAnEqualEventIncluded)
             }));
 }
 
+TEST_F(Vrad_NoteList_Undo, ChangingAnnouncesTheLongNoteListWhereALongNoteTakesPart) {
+  AddNote(mList, 60, 0, kLong);
+  auto const changeTo = [this](long long iTicks) {
+    return Announced(
+        [&] { mList.ChangeNote(TickTime(0), NoteEvent(60, 1), NoteEvent(60, iTicks)); });
+  };
+  EXPECT_EQ("1 1", changeTo(kLong + 1));
+  EXPECT_EQ("1 1", changeTo(10));
+  EXPECT_EQ("1 0", changeTo(11));
+  EXPECT_EQ("1 1", changeTo(kLong));
+}
+
+TEST_F(Vrad_NoteList_Undo, TakesBackAndRepeatsAChangeOfALongNote) {
+  AddNote(mList, 60, 0, kLong);
+  Do([this] { mList.ChangeNote(TickTime(0), NoteEvent(60, 1), NoteEvent(62, kLong + 1)); });
+  Ndo_gManager.Undo();
+  EXPECT_EQ("60@0+20000000", Print(mList));
+  EXPECT_EQ("60@0+20000000", PrintLongNotes(mList));
+  Ndo_gManager.Redo();
+  EXPECT_EQ("62@0+20000001", Print(mList));
+  EXPECT_EQ("62@0+20000001", PrintLongNotes(mList));
+}
+
+TEST_F(Vrad_NoteList_Undo, TakesBackAndRepeatsALengthening) {
+  AddNote(mList, 60, 0, 10);
+  Do([this] { mList.ChangeNote(TickTime(0), NoteEvent(60, 1), NoteEvent(60, kLong)); });
+  Ndo_gManager.Undo();
+  EXPECT_EQ("60@0+10", Print(mList));
+  EXPECT_EQ("", PrintLongNotes(mList));
+  Ndo_gManager.Redo();
+  EXPECT_EQ("60@0+20000000", Print(mList));
+  EXPECT_EQ("60@0+10", PrintLongNotes(mList));
+}
+
+TEST_F(Vrad_NoteList_Undo, TakesBackAnErasureAndAnEmptyingWithTheirLongNotes) {
+  AddNote(mList, 60, 0, kLong);
+  AddNote(mList, 61, 5, 10);
+  Do([this] { mList.EraseNote(TimedNote(60, 0, 1)); });
+  Do([this] { mList.Clear(); });
+  Ndo_gManager.Undo();
+  EXPECT_EQ("61@5+10", Print(mList));
+  EXPECT_EQ("", PrintLongNotes(mList));
+  Ndo_gManager.Undo();
+  EXPECT_EQ("60@0+20000000 | 61@5+10", Print(mList));
+  EXPECT_EQ("60@0+20000000", PrintLongNotes(mList));
+}
+
+TEST_F(Vrad_NoteList_Undo, TakesBackAReplacementWhetherItMadeTheLongNotesAnewOrNot) {
+  Vrad_NoteList like(Ndo_Object::kNotUndoable, false);
+  Vrad_NoteListBase base(Ndo_Object::kNotUndoable, false);
+  AddNote(like, 70, 0, kLong + 1);
+  AddNote(base, 71, 0, kLong + 2);
+  AddNote(mList, 60, 0, kLong);
+  Do([&] { mList.ReplaceData(&like); });
+  Do([&] { mList.ReplaceData(&base); });
+  EXPECT_EQ("71@0+20000002", PrintLongNotes(mList));
+  Ndo_gManager.Undo();
+  EXPECT_EQ("70@0+20000001", Print(mList));
+  EXPECT_EQ("70@0+20000001", PrintLongNotes(mList));
+  Ndo_gManager.Undo();
+  EXPECT_EQ("60@0+20000000", Print(mList));
+  EXPECT_EQ("60@0+20000000", PrintLongNotes(mList));
+}
+
+TEST_F(Vrad_NoteList_Undo, OfALongNoteAddedToACopyTakesItFromTheSharedLongNotes) {
+  AddNote(mList, 60, 0, kLong);
+  Vrad_NoteList copy(mList);
+  Do([&] { AddNote(copy, 61, 0, kLong); });
+  EXPECT_EQ("60@0+20000000 | 61@0+20000000", PrintLongNotes(mList));
+  EXPECT_EQ("60@0+20000000", Print(mList));
+  Ndo_gManager.Undo();
+  EXPECT_EQ("60@0+20000000", Print(copy));
+  EXPECT_EQ("60@0+20000000", PrintLongNotes(mList));
+  EXPECT_EQ(mList.GetLongNoteList(), copy.GetLongNoteList());
+}
+
+TEST_F(Vrad_NoteList_Undo, OfACreationKeepsTheListForRedoWithItsLongNotes) {
+  Vrad_NoteList * listP = 0;
+  Do([&] {
+    listP = new Vrad_NoteList(Ndo_Object::kUndoable, false);
+    AddNote(*listP, 60, 0, kLong);
+  });
+  long long const id = listP->NdoGetID(), longID = listP->GetLongNoteListID();
+  Ndo_gManager.Undo();
+  EXPECT_TRUE(Ndo_gManager.IsKept(id));
+  EXPECT_EQ("", PrintLongNotes(*listP));
+  Ndo_gManager.Redo();
+  EXPECT_FALSE(Ndo_gManager.IsKept(id));
+  EXPECT_EQ("60@0+20000000", PrintLongNotes(*listP));
+  Ndo_gManager.Undo();
+  Ndo_gManager.ClearHistory();
+  EXPECT_EQ(nullptr, Ndo_gManager.LookupObject(id));
+  EXPECT_EQ(nullptr, Ndo_gManager.LookupObject(longID));
+}
+
 TEST_F(Vrad_NoteList_Undo, ClearingAnnouncesBothListsEmptyOrNot) {
   EXPECT_EQ("1 1", Announced([this] { mList.Clear(); }));
 }
@@ -168,6 +263,24 @@ TEST_F(Vrad_NoteList_Undo, AStateHoldsThresholdsAndNotesButNotTheLongNotes) {
   EXPECT_EQ("", PrintLongNotes(mList));
   EXPECT_EQ(15360000, mList.GetLongNoteDuration(Time_eType_Ticks).AsInt64());
   EXPECT_EQ(48000, mList.GetLongNoteDuration(Time_eType_Samples).AsInt64());
+}
+
+TEST_F(Vrad_NoteList_Undo, RestoringKeepsTheLongNoteListThatTheStateNames) {
+  Vrad_NoteListBase * const longP = mList.GetLongNoteList();
+  std::unique_ptr<Ndo_State> const stateP(mList.NdoGetState());
+  mList.NdoRestoreState(stateP.get());
+  EXPECT_EQ(longP, mList.GetLongNoteList());
+  EXPECT_EQ(longP, Ndo_gManager.LookupObject(mList.GetLongNoteListID()));
+}
+
+TEST_F(Vrad_NoteList_Undo, AStateOutlivesTheNotesItWasTakenFrom) {
+  auto listP = std::make_unique<Vrad_NoteListBase>(Ndo_Object::kUndoable, false);
+  AddNote(*listP, 60, 0, 10);
+  std::unique_ptr<Ndo_State> const stateP(listP->NdoGetState());
+  AddNote(*listP, 61, 0, 10);
+  listP.reset();
+  mList.NdoRestoreState(stateP.get());
+  EXPECT_EQ("60@0+10", Print(mList));
 }
 
 TEST_F(Vrad_NoteList_Undo, RestoringAnnouncesNothing) {
