@@ -72,10 +72,13 @@ struct Clip {
     return *clipP;
   }
 
+  // Streams are of unlike density, from half to one and a half of the mean, as in music: else the
+  // searches in all of them would take the same turns.
   void FillStream(int iStream, std::mt19937 & ioRandom) {
     mVectors.emplace_back();
-    for (long long tick = 0; tick < mNumTicks; tick += kTicksPerPoint) {
-      Point const point = {tick + static_cast<int>(ioRandom() % kTicksPerPoint),
+    long long const spacing = kTicksPerPoint * kNumStreams / (kNumStreams / 2 + iStream);
+    for (long long tick = 0; tick < mNumTicks; tick += spacing) {
+      Point const point = {tick + static_cast<long long>(ioRandom()) % spacing,
                            static_cast<int>(ioRandom() % 128)};
       mStreams.back()->AddEvent(Vrae_TimedEvent(
           Tick(point.mTick), Vrae_ControllerEvent(static_cast<signed char>(iStream + 1),
@@ -210,9 +213,19 @@ void ReadVectorBlock(Clip & ioClip, long long iStart, long long iNumTicks,
   }
 }
 
-// What is read: some ten values of each stream, at most one of some streams, nothing at all because
-// the range lies behind the last value.
-enum ERange { kDense, kSparse, kBehind };
+// What is read: some ten values of each stream at random places; at most one of some streams there;
+// one audio block after the other, from a random place on; nothing, as the range lies behind the
+// last value.
+enum ERange { kDense, kSparse, kPlay, kBehind };
+constexpr long long kTicksPerShortBlock = 20;
+
+long long NextStart(Clip const & iClip, ERange iRange, Places & ioPlaces, long long & ioPlaying) {
+  if (iRange == kBehind) return iClip.mNumTicks + 2 * kTicksPerPoint;
+  if (iRange != kPlay) return ioPlaces.Next();
+  ioPlaying += kTicksPerShortBlock;
+  if (ioPlaying > iClip.mNumTicks) ioPlaying = 0;
+  return ioPlaying;
+}
 
 template <class TRead>
 void ReadRanges(benchmark::State & ioState, ERange iRange, TRead const & iRead) {
@@ -220,9 +233,10 @@ void ReadRanges(benchmark::State & ioState, ERange iRange, TRead const & iRead) 
   Places places(clip);
   Vrae_TimedEventList list;
   long long num = 0;
+  long long playing = clip.mPlaces[0];
   for (auto _ : ioState) {
-    long long const start = iRange == kBehind ? clip.mNumTicks + 2 * kTicksPerPoint : places.Next();
-    iRead(clip, start, iRange == kSparse ? 20 : kTicksPerBlock, list);
+    long long const start = NextStart(clip, iRange, places, playing);
+    iRead(clip, start, iRange == kDense ? kTicksPerBlock : kTicksPerShortBlock, list);
     num += static_cast<long long>(list.size());
     list.clear();
   }
@@ -346,6 +360,7 @@ int main(int iNumArgs, char ** iArgs) {
   Add("walk/State", WalkState);
   AddRanges("RangeDense", kDense);
   AddRanges("RangeSparse", kSparse);
+  AddRanges("RangePlay", kPlay);
   AddRanges("RangeBehind", kBehind);
   Add("list/Snapshot", ListSnapshot);
   Add("vector/Snapshot", VectorSnapshot);

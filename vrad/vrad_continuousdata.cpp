@@ -1,6 +1,7 @@
 #include "vrad/vrad_continuousdata.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -47,11 +48,13 @@ Ndo_Object * Vrad_ContinuousData_NdoState::NdoReCreate() {
 
 Vrad_ContinuousData::Vrad_ContinuousData(Ndo_Object::EUndoFlag iUndoFlag, bool iSnapToCoarseTicks)
     : Ndo_Object(iUndoFlag),
-      mSnapToCoarseTicks(iSnapToCoarseTicks),
-      mSegments(Vrad_TimeDigest<Segment>::Get()),
       mSortedUnit(kNoUnit),
+      mSnapToCoarseTicks(iSnapToCoarseTicks),
       mFirstCount(0),
-      mLastCount(0) {}
+      mLastCount(0),
+      mGapShift(0),
+      mGap(0),
+      mSegments(Vrad_TimeDigest<Segment>::Get()) {}
 
 Vrad_ContinuousData::~Vrad_ContinuousData() = default;
 
@@ -66,6 +69,22 @@ void Vrad_ContinuousData::EndEdit() {
   mLastCount = all.mLast;
   for (Time_EType const unit : {Time_eType_Samples, Time_eType_Ticks})
     if (all.mNum > 0 && Vrad_IsSortedInUnit(all, unit)) mSortedUnit = unit;
+  ResetGap();
+}
+
+// The least shift with which every place, and the one behind it, fits into half a word.
+void Vrad_ContinuousData::ResetGap() {
+  unsigned long long const span =
+      static_cast<unsigned long long>(mLastCount) - static_cast<unsigned long long>(mFirstCount);
+  mGapShift = std::max(0, static_cast<int>(std::bit_width(span)) - 31);
+  mGap.store(0, std::memory_order_relaxed);
+}
+
+// Only whole steps belong to the gap.
+void Vrad_ContinuousData::RememberGap(long long iCountBefore, long long iCountBehind) const {
+  unsigned long long const first = GapPlaceOf(iCountBefore) + 1;
+  unsigned long long const last = GapPlaceOf(iCountBehind);
+  mGap.store(first | last << 32, std::memory_order_relaxed);
 }
 
 void Vrad_ContinuousData::SetSegments(Segments const & iSegments) {
@@ -79,6 +98,7 @@ void Vrad_ContinuousData::AddValue(Time_Typed iTime, int iValue) {
   if (IsSortedIn(iTime.GetType()) && iTime.AsInt64() > mLastCount) {
     mSegments.PushBack(MakeSegment(iTime, iValue));
     mLastCount = iTime.AsInt64();
+    ResetGap();
     return;
   }
   Segments const & segments = mSegments;
@@ -176,10 +196,17 @@ void Vrad_ContinuousData::ForEachInRange(Vrad_ContinuousData_OutputIter * iOutpu
   Segment const * segments;
   int index;
   int num = FindSpanFrom(iStart, &segments, &index);
+  Segment const * formerP = nullptr;
   for (; num > 0; num = mSegments.GetSpan(index, &segments)) {
     for (int i = 0; i < num; ++i) {
-      if (!(segments[i].mTime < iEnd)) return;
+      if (!(segments[i].mTime < iEnd)) {
+        if (mSortedUnit == kNoUnit || index + i == 0) return;
+        if (formerP == nullptr) formerP = &mSegments[index + i - 1];
+        RememberGap(formerP->mTime.AsInt64(), segments[i].mTime.AsInt64());
+        return;
+      }
       (*iOutputP)(segments[i].mTime, segments[i].mValue);
+      formerP = &segments[i];
     }
     index += num;
   }

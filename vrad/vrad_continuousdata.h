@@ -1,6 +1,8 @@
 // The value history of one continuous MIDI value: a step function over time.
 #pragma once
 
+#include <atomic>
+
 #include "cmn/cmn_chunkyvector.h"
 #include "foundation/time_typed.h"
 #include "foundation/vrad_export.h"
@@ -91,7 +93,8 @@ public:
   bool IsSurelyEmptyInRange(Time_Typed iStart, Time_Typed iEnd) const {
     if (IsEmpty()) return true;
     if (!IsSortedIn(iStart.GetType()) || !IsSortedIn(iEnd.GetType())) return false;
-    return mLastCount < iStart.AsInt64() || mFirstCount >= iEnd.AsInt64();
+    return mLastCount < iStart.AsInt64() || mFirstCount >= iEnd.AsInt64() ||
+           IsInGap(iStart.AsInt64(), iEnd.AsInt64());
   }
 
   /// Hands the segments in [iStart, iEnd) to the visitor.
@@ -122,6 +125,19 @@ private:
   typedef Cmn_ChunkyPODVector<Vrad_ContinuousData_Segment> Segments;
 
   bool IsSortedIn(Time_EType iUnit) const { return mSortedUnit == iUnit; }
+  unsigned long long GapPlaceOf(long long iCount) const {
+    return (static_cast<unsigned long long>(iCount) -
+            static_cast<unsigned long long>(mFirstCount)) >>
+           mGapShift;
+  }
+  bool IsInGap(long long iStart, long long iEnd) const {
+    if (iStart <= mFirstCount || iEnd <= iStart) return false;
+    unsigned long long const gap = mGap.load(std::memory_order_relaxed);
+    return GapPlaceOf(iStart) >= (gap & 0xffffffff) && GapPlaceOf(iEnd - 1) < gap >> 32;
+  }
+  void RememberGap(long long iCountBefore, long long iCountBehind) const;
+  void ResetGap();
+
   int FindSpanFrom(Time_Typed iTime, Vrad_ContinuousData_Segment const ** oFirst,
                    int * oIndex) const;
   void BeginEdit();
@@ -129,14 +145,21 @@ private:
   void SetSegments(Segments const & iSegments);
   void TakeContents(Vrad_ContinuousData const & iSource);
 
-  bool mSnapToCoarseTicks;
-  Segments mSegments;  // ascending by time, no two alike, as far as the writers keep it so
-
   // An outline of the segments, by which most reads are done or made short. The unit of all times
   // while they are known to ascend; else, as in an empty store and during an edit, no int at all,
   // since a time may be of any unit.
   long long mSortedUnit;
+  bool mSnapToCoarseTicks;
   long long mFirstCount, mLastCount;  // valid with the unit
+
+  // The stretch between two segments where the last read of a range ended, so that playback from
+  // one audio block to the next does not search: its first place and, in the upper half, the one
+  // behind it, in steps of 2^mGapShift from the first count. One word, so that several reads at
+  // once see it whole. 0: none.
+  int mGapShift;
+  mutable std::atomic<unsigned long long> mGap;
+
+  Segments mSegments;  // ascending by time, no two alike, as far as the writers keep it so
 };
 
 /// The walk that the two iterators share. Must not outlive the data; stands by index, so an edit

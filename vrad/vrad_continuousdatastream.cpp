@@ -101,10 +101,11 @@ bool Vrad_ContinuousDataStream::IsEventInRange(Time_Typed iStart, Time_Typed iEn
   return GetData().GetLastValueChangeBeforeTime(&time, &value, iEnd) && !(time < iStart);
 }
 
+// A tracker that does not chase the sub-stream ignores the value; asking it first would cost as
+// much again.
 void Vrad_ContinuousDataStream::AccumulateChaseStateAtTime(Vrae_ChaseTracker * iTrackerP,
                                                            Time_Typed iTime, Time_Typed iLimit,
                                                            Time_TypedLength iOffset) const {
-  if (!iTrackerP->IsChasing(mSubStream)) return;
   Time_Typed time;
   int value;
   if (!GetData().GetLastValueChangeBeforeTime(&time, &value, OneUnitAfter(iTime))) return;

@@ -55,12 +55,21 @@ public:
       for (int k = 0; k < 2; ++k) {
         CheckRange(mData[k], mModels[k], -10000000, 10000000);
         CheckRange(mData[k], mModels[k], Time(), Time());
+        CheckBlocks(mData[k], mModels[k]);
         CheckInstant(mData[k], mModels[k], Time());
       }
     }
   }
 
 private:
+  // As playback does, one after the other.
+  static void CheckBlocks(Vrad_ContinuousData const & iData, Model const & iModel) {
+    long long start = Time();
+    long long const length = *rc::gen::inRange(1, 30);
+    for (int i = 0; i < 10; ++i, start += length)
+      CheckRange(iData, iModel, start, start + length);
+  }
+
   static long long Time() { return *rc::gen::inRange(0, kNumTimes); }
   static int Value() { return *rc::gen::inRange(0, 4); }
 

@@ -239,6 +239,52 @@ TEST(Vrad_ContinuousData_IsSurelyEmptyInRange, SaysNothingOfMixedUnits) {
   EXPECT_FALSE(data.IsSurelyEmptyInRange(Tick(10000), Tick(20000)));
 }
 
+// A read of a range remembers the gap where it ended: what follows must not depend on that.
+TEST(Vrad_ContinuousData_ForEachInRange, ReadsBlockAfterBlock) {
+  TestData const data({{10, 1}, {25, 2}, {26, 3}, {60, 4}});
+  std::string line;
+  for (int start = -20; start < 90; start += 5)
+    AppendWord(line, "[" + PrintRange(data, Tick(start), Tick(start + 5)) + "]");
+  EXPECT_EQ("[] [] [] [] [] [] [10:1] [] [] [25:2 26:3] [] [] [] [] [] [] [60:4] [] [] [] [] []",
+            line);
+}
+
+TEST(Vrad_ContinuousData_ForEachInRange, ReadsOnBothSidesOfTheGapWhereItStands) {
+  TestData const data({{10, 1}, {20, 2}, {30, 3}});
+  EXPECT_EQ("", PrintRange(data, Tick(14), Tick(16)));
+  EXPECT_TRUE(data.IsSurelyEmptyInRange(Tick(11), Tick(20)));
+  EXPECT_FALSE(data.IsSurelyEmptyInRange(Tick(10), Tick(20)));
+  EXPECT_FALSE(data.IsSurelyEmptyInRange(Tick(11), Tick(21)));
+  EXPECT_EQ("20:2", PrintRange(data, Tick(11), Tick(21)));
+  EXPECT_TRUE(data.IsSurelyEmptyInRange(Tick(21), Tick(30)));
+}
+
+TEST(Vrad_ContinuousData_ForEachInRange, EditsFillTheGap) {
+  TestData data({{10, 1}, {20, 2}});
+  EXPECT_EQ("", PrintRange(data, Tick(14), Tick(16)));
+  data.AddValue(Tick(15), 3);
+  EXPECT_EQ("15:3", PrintRange(data, Tick(14), Tick(16)));
+  EXPECT_EQ("", PrintRange(data, Tick(16), Tick(18)));
+  data.OffsetTimes(Ticks(2));
+  EXPECT_EQ("17:3", PrintRange(data, Tick(16), Tick(18)));
+  EXPECT_EQ("", PrintRange(data, Tick(18), Tick(19)));
+  std::unique_ptr<Ndo_State> const state(TestData({{10, 1}, {18, 5}, {22, 2}}).NdoGetState());
+  data.NdoRestoreState(state.get());
+  EXPECT_EQ("18:5", PrintRange(data, Tick(18), Tick(19)));
+}
+
+TEST(Vrad_ContinuousData_ForEachInRange, TakesTimesFromOneLimitToTheOther) {
+  TestData data({{0, 2}, {1LL << 40, 3}});
+  data.AddValue(Time_Typed::MinTime(Time_eType_Ticks), 1);
+  data.AddValue(Tick(Time_Saturating::kMax), 4);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ("", PrintRange(data, Tick(1), Tick(1LL << 40)));
+    EXPECT_EQ("0:2 1099511627776:3", PrintRange(data, Tick(0), Tick((1LL << 40) + 1)));
+    EXPECT_EQ("", PrintRange(data, Tick(1LL << 41), Tick(Time_Saturating::kMax)));
+    EXPECT_EQ("1099511627776:3", PrintRange(data, Tick(1LL << 39), Tick(1LL << 62)));
+  }
+}
+
 // ---- AddFromData
 
 TEST(Vrad_ContinuousData_AddFromData, MergesTheRangeShifted) {

@@ -157,6 +157,7 @@ TEST(Vrad_EventStream_EraseEvent, ThrowsForAKindWithoutEqualityAndChangesNothing
   TestStream stream;
   Vrae_TimedEvent const clip(Tick(10), Vrae_ClipEvent("a", Ticks(1)));
   stream.AddEvent(clip);
+  Cmn_AssertRecorder const recorder;
   EXPECT_THROW(stream.EraseEvent(clip), Cmn_AssertException);
   EXPECT_EQ(1u, stream.Size());
 }
@@ -376,6 +377,7 @@ TEST(Vrad_EventStream_EraseFromStream, ThrowsForAKindWithoutEqualityAndChangesNo
   stream.AddEvent(clip);
   TestStream source({{5, 1}});
   source.AddEvent(clip);
+  Cmn_AssertRecorder const recorder;
   EXPECT_THROW(stream.EraseFromStream(&source, Tick(0), Tick(99), Ticks(0)), Cmn_AssertException);
   EXPECT_EQ("5:1 10:kind23", PrintStream(stream));
 }
