@@ -133,8 +133,7 @@ void Cmn_ChunkyVecImpl::Append(char const * iRecord) {
     return;
   }
   Cmn_ChunkyVecLeaf & tail = static_cast<Cmn_ChunkyVecLeaf &>(*mTailP);
-  Tree(*mCopierP, mElementSize).InsertIntoLeaf(tail, tail.mNum, iRecord);
-  Tree::WidenAtEnd(*mRootP, tail);
+  Tree(*mCopierP, mElementSize).AppendToTail(*mRootP, tail, iRecord);
   ++mSize;
 }
 

@@ -26,7 +26,19 @@ struct Cmn_ChunkyVecSummary {
   long long mGreatest = 0;   // greatest extent key
 
   /// Adds the run that follows this one.
-  void Append(Cmn_ChunkyVecSummary const & iNext);
+  void Append(Cmn_ChunkyVecSummary const & iNext) {
+    if (iNext.mNum == 0) return;
+    if (mNum == 0) {
+      *this = iNext;
+      return;
+    }
+    mNum += iNext.mNum;
+    mAscending = mAscending && iNext.mAscending && mLast <= iNext.mFirst;
+    mMarks |= iNext.mMarks;
+    mLast = iNext.mLast;
+    mLeast = iNext.mLeast < mLeast ? iNext.mLeast : mLeast;
+    mGreatest = iNext.mGreatest > mGreatest ? iNext.mGreatest : mGreatest;
+  }
 };
 
 /// The keys of neighbouring records of one chunk, side by side.
@@ -171,6 +183,8 @@ public:
   /// How many records lie side by side from `iIndex` on, and where.
   int GetSpan(int iIndex, char const ** oFirst) const;
   int GetWritableSpan(int iIndex, char ** oFirst);
+  /// Changes with whatever makes addresses void.
+  unsigned long long GetStamp() const { return mStamp.load(std::memory_order_relaxed); }
 
   // With a digest only. iFirst and iLast are indices, [iFirst, iLast).
 
@@ -183,6 +197,9 @@ public:
   /// greater than `iKey`. O(log n).
   int LowerBound(long long iKey) const;
   int UpperBound(long long iKey) const;
+  /// Needs: Summarise().mAscending. How many records with order keys less than `iKey` lie side by
+  /// side from `iIndex` on, where, and whether a record that is not less follows.
+  int GetSpanBefore(int iIndex, long long iKey, char const ** oFirst, bool * oIsLast) const;
   /// Needs the same. From the lower bound on: how many records lie side by side, where, and the
   /// index of the first. In front of the lower bound: the record, null if there is none. O(log n).
   int FindSpanFrom(long long iKey, char const ** oFirst, int * oIndex) const;

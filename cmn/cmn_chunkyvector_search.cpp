@@ -145,6 +145,22 @@ char const * Cmn_ChunkyVecImpl::FindLastBefore(long long iKey) const {
   return leaf.At(NumBefore(leaf.mOrder, leaf.mNum, goesBefore) - 1);
 }
 
+int Cmn_ChunkyVecImpl::GetSpanBefore(int iIndex, long long iKey, char const ** oFirst,
+                                     bool * oIsLast) const {
+  *oIsLast = true;
+  if (iIndex < 0 || iIndex >= mSize) return 0;
+  Settle();
+  int offset;
+  Leaf & leaf = *FindLeaf(iIndex, &offset);
+  *oFirst = leaf.At(offset);
+  *oIsLast = leaf.mSummary.mLast >= iKey;
+  if (!*oIsLast) return leaf.mNum - offset;
+  int num = 0;  // mostly small: a search would take longer
+  for (long long const * order = leaf.mOrder + offset; order[num] < iKey;)
+    ++num;
+  return num;
+}
+
 int Cmn_ChunkyVecImpl::FindExtentAbove(int iFirst, int iLast, long long iLimit) const {
   Settle();
   return iFirst < iLast ? FindAbove(mRootP, iFirst, iLast, iLimit) : iLast;

@@ -84,10 +84,17 @@ void FoldLeaf(Leaf & ioLeaf) {
   ioLeaf.mSummary = SummaryOfKeys(ioLeaf, 0, ioLeaf.mNum);
 }
 
+Summary SummaryOfOne(Leaf const & iLeaf, int iOffset) {
+  if (!iLeaf.mDigestP) return {1};
+  long long const order = iLeaf.mOrder[iOffset];
+  long long const extent = iLeaf.mExtent[iOffset];
+  return {1, true, iLeaf.mMarks[iOffset], order, order, extent, extent};
+}
+
 // One record more changes a summary without a look at the others.
 void WidenLeaf(Leaf & ioLeaf, int iOffset) {
   Summary & summary = ioLeaf.mSummary;
-  Summary const one = SummaryOfKeys(ioLeaf, iOffset, iOffset + 1);
+  Summary const one = SummaryOfOne(ioLeaf, iOffset);
   if (iOffset == ioLeaf.mNum - 1) {
     summary.Append(one);
     return;
@@ -105,20 +112,6 @@ void WidenLeaf(Leaf & ioLeaf, int iOffset) {
 
 }  // namespace
 
-void Cmn_ChunkyVecSummary::Append(Cmn_ChunkyVecSummary const & iNext) {
-  if (iNext.mNum == 0) return;
-  if (mNum == 0) {
-    *this = iNext;
-    return;
-  }
-  mNum += iNext.mNum;
-  mAscending = mAscending && iNext.mAscending && mLast <= iNext.mFirst;
-  mMarks |= iNext.mMarks;
-  mLast = iNext.mLast;
-  mLeast = std::min(mLeast, iNext.mLeast);
-  mGreatest = std::max(mGreatest, iNext.mGreatest);
-}
-
 void Cmn_ChunkyVecNodeRef::Reset(Cmn_ChunkyVecNode * iNodeP) {
   Cmn_ChunkyVecNode * const oldP = std::exchange(mNodeP, iNodeP);
   if (oldP && oldP->mRefs.fetch_sub(1, std::memory_order_acq_rel) == 1) Free(oldP);
@@ -132,25 +125,15 @@ int Cmn_ChunkyVecInner::ChildForInsertion(int iIndex) const {
   return static_cast<int>(std::lower_bound(mEnd, mEnd + mNum, iIndex) - mEnd);
 }
 
-Summary Cmn_ChunkyVecInner::SummaryOf(int iChild) const {
-  Summary result;
-  result.mNum = mEnd[iChild] - StartOf(iChild);
-  result.mAscending = mAscending[iChild];
-  result.mMarks = mMarks[iChild];
-  result.mFirst = mFirst[iChild];
-  result.mLast = mLast[iChild];
-  result.mLeast = mLeast[iChild];
-  result.mGreatest = mGreatest[iChild];
-  return result;
-}
-
-void Cmn_ChunkyVecInner::SetKeys(int iChild, Summary const & iSummary) {
-  mAscending[iChild] = iSummary.mAscending;
-  mMarks[iChild] = iSummary.mMarks;
-  mFirst[iChild] = iSummary.mFirst;
-  mLast[iChild] = iSummary.mLast;
-  mLeast[iChild] = iSummary.mLeast;
-  mGreatest[iChild] = iSummary.mGreatest;
+void Cmn_ChunkyVecInner::Widen(Summary const & iOne) {
+  int const last = mNum - 1;
+  mAscending[last] = mAscending[last] && mLast[last] <= iOne.mFirst;
+  mMarks[last] |= iOne.mMarks;
+  mLast[last] = iOne.mLast;
+  mLeast[last] = std::min(mLeast[last], iOne.mLeast);
+  mGreatest[last] = std::max(mGreatest[last], iOne.mGreatest);
+  ++mEnd[last];
+  mSummary.Append(iOne);
 }
 
 void Cmn_ChunkyVecInner::Update(int iChild) {
@@ -301,6 +284,20 @@ void Cmn_ChunkyVecTree::FindForInsertion(Node *& ioRootP, int iIndex, Path & oPa
   oPath.mOffset = iIndex;
 }
 
+void Cmn_ChunkyVecTree::AppendToTail(Node & ioRoot, Leaf & ioTail, char const * iRecord) const {
+  int const offset = ioTail.mNum;
+  mCopier.Copy(ioTail.At(offset), iRecord, 1);
+  ++ioTail.mNum;
+  ExtractKeys(ioTail, offset, 1);
+  Summary const one = SummaryOfOne(ioTail, offset);
+  ioTail.mSummary.Append(one);
+  for (Node * nodeP = &ioRoot; !nodeP->IsLeaf();) {
+    Inner & inner = static_cast<Inner &>(*nodeP);
+    inner.Widen(one);
+    nodeP = inner.mChild[inner.mNum - 1];
+  }
+}
+
 void Cmn_ChunkyVecTree::InsertIntoLeaf(Leaf & ioLeaf, int iOffset, char const * iRecord) const {
   int const num = ioLeaf.mNum - iOffset;
   if (num > 0) {
@@ -327,20 +324,6 @@ void Cmn_ChunkyVecTree::ReplaceInLeaf(Leaf & ioLeaf, int iOffset, char const * i
   mCopier.Copy(ioLeaf.At(iOffset), iRecord, 1);
   ExtractKeys(ioLeaf, iOffset, 1);
   FoldLeaf(ioLeaf);
-}
-
-void Cmn_ChunkyVecTree::WidenAtEnd(Node & ioRoot, Leaf const & iTail) {
-  Summary const one = SummaryOfKeys(iTail, iTail.mNum - 1, iTail.mNum);
-  for (Node * nodeP = &ioRoot; !nodeP->IsLeaf();) {
-    Inner & inner = static_cast<Inner &>(*nodeP);
-    int const last = inner.mNum - 1;
-    Summary summary = inner.SummaryOf(last);
-    summary.Append(one);
-    inner.SetKeys(last, summary);
-    ++inner.mEnd[last];
-    inner.mSummary.Append(one);
-    nodeP = inner.mChild[last];
-  }
 }
 
 void Cmn_ChunkyVecTree::Tidy(Node *& ioRootP, Path & ioPath) const {

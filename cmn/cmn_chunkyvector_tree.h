@@ -54,6 +54,8 @@ struct Cmn_ChunkyVecInner : Cmn_ChunkyVecNode {
   Cmn_ChunkyVecSummary SummaryOf(int iChild) const;
   /// All of a summary but the number of records.
   void SetKeys(int iChild, Cmn_ChunkyVecSummary const & iSummary);
+  /// After one record was appended to the last child.
+  void Widen(Cmn_ChunkyVecSummary const & iOne);
   /// After a change of a child's contents: the whole of what is known here. Looks at the other
   /// children only if what the child has lost may have been an extreme of all.
   void Update(int iChild);
@@ -66,6 +68,25 @@ struct Cmn_ChunkyVecInner : Cmn_ChunkyVecNode {
   /// Its own summary from those of the children.
   void Fold();
 };
+
+inline Cmn_ChunkyVecSummary Cmn_ChunkyVecInner::SummaryOf(int iChild) const {
+  return {mEnd[iChild] - StartOf(iChild),
+          mAscending[iChild],
+          mMarks[iChild],
+          mFirst[iChild],
+          mLast[iChild],
+          mLeast[iChild],
+          mGreatest[iChild]};
+}
+
+inline void Cmn_ChunkyVecInner::SetKeys(int iChild, Cmn_ChunkyVecSummary const & iSummary) {
+  mAscending[iChild] = iSummary.mAscending;
+  mMarks[iChild] = iSummary.mMarks;
+  mFirst[iChild] = iSummary.mFirst;
+  mLast[iChild] = iSummary.mLast;
+  mLeast[iChild] = iSummary.mLeast;
+  mGreatest[iChild] = iSummary.mGreatest;
+}
 
 /// One count on a node, given up unless released.
 class Cmn_ChunkyVecNodeRef {
@@ -136,11 +157,11 @@ public:
   /// A place for one more record before `iIndex`, in a leaf that has room.
   void FindForInsertion(Node *& ioRootP, int iIndex, Path & oPath) const;
 
+  /// Needs: room in the last leaf and an unshared path to it.
+  void AppendToTail(Node & ioRoot, Leaf & ioTail, char const * iRecord) const;
   void InsertIntoLeaf(Leaf & ioLeaf, int iOffset, char const * iRecord) const;
   void EraseFromLeaf(Leaf & ioLeaf, int iOffset, int iNum) const;
   void ReplaceInLeaf(Leaf & ioLeaf, int iOffset, char const * iRecord) const;
-  /// Brings the summaries up after one record was appended to the last leaf.
-  static void WidenAtEnd(Node & ioRoot, Leaf const & iTail);
   /// After erasing: drops an empty leaf, joins a sparse one with a neighbour, lowers the tree.
   void Tidy(Node *& ioRootP, Path & ioPath) const;
 

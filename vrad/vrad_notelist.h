@@ -147,17 +147,18 @@ public:
   /// Starts anew with another range of the same list. O(log n).
   void SetRange(Time_Typed iStart, Time_Typed iEnd);
   /// Fails: no list is reported; false.
-  bool IsMore() const { return mListP ? IsInRange() : ReportNoList(); }
+  bool IsMore() const { return IsInRun() || FindRun(); }
   /// Lives: until the list is written.
   /// Fails: no note left is reported; a blank note.
-  Vrad_NoteListBase_Note const & operator*() const { return IsInRange() ? *mIter : ReportNoNote(); }
+  Vrad_NoteListBase_Note const & operator*() const {
+    return IsInRun() || FindRunOrReport() ? *mNoteP : BlankNote();
+  }
   /// Fails: no note left is reported; the position stays.
   void operator++() {
-    if (IsInRange()) {
-      ++mIter;
-    } else {
-      ReportNoNote();
-    }
+    if (!IsInRun() && !FindRunOrReport()) return;
+    ++mIndex;
+    ++mNoteP;
+    --mRunLeft;
   }
   /// Replaces the event of the current note, as `ChangeNote`. The walk goes on.
   /// Fails: no note left is reported; nothing is changed.
@@ -166,20 +167,23 @@ public:
 private:
   friend class FullSustainingNoteIter;
 
-  bool IsInRange() const {
-    if (mIter == mEnd) return false;
-    Vrad_NoteListBase_Note const * const noteP = mIter.Address();
-    return noteP && noteP->mTime < mEndTime;
-  }
-  bool ReportNoList() const;
-  Vrad_NoteListBase_Note const & ReportNoNote() const;
+  bool IsInRun() const { return mRunLeft > 0 && mStamp == mListP->mNotes.GetImpl().GetStamp(); }
+  /// Whether there is a note, and the run that begins with it.
+  bool FindRun() const;
+  bool FindRunOrReport() const;
+  static Vrad_NoteListBase_Note const & BlankNote();
   /// Moves on to the first note that may end after the time, or past the range.
   void SkipToEndAfter(Time_Typed iTime);
 
   Vrad_NoteListBase * mListP;
-  iterator mIter;
-  iterator mEnd;  // of the list when the range was set
+  int mIndex = 0;
+  mutable int mEnd = 0;  // of the list when the range was set, until the range's own is known
   Time_Typed mEndTime;
+  // The notes from the current one on that are known to lie in the range, side by side, as long as
+  // the stamp is that of the list's notes.
+  mutable int mRunLeft = 0;
+  mutable unsigned long long mStamp = 0;
+  mutable Vrad_NoteListBase_Note const * mNoteP = nullptr;
 };
 
 /// The same walk for retrievals, note by note as extended events. With ticks, unless tick times

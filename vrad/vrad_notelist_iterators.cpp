@@ -1,17 +1,11 @@
+#include <algorithm>
+#include <utility>
+
 #include "cmn/cmn_assert.h"
 #include "foundation/ticktimesmatter.h"
 #include "foundation/time_convert.h"
 #include "vrad/vrad_notelist.h"
 #include "vrad/vrad_sortedstore.h"
-
-namespace {
-
-Vrad_NoteListBase_Note const & BlankNote() {
-  static Vrad_NoteListBase_Note const sBlank;
-  return sBlank;
-}
-
-}  // namespace
 
 Vrad_NoteListBase::FullNotesInRangeIter::FullNotesInRangeIter()
     : mListP(0), mEndTime(0, Time_eType_Samples) {}
@@ -20,8 +14,7 @@ Vrad_NoteListBase::FullNotesInRangeIter::FullNotesInRangeIter(Vrad_NoteListBase 
     : mListP(iListP), mEndTime(0, Time_eType_Samples) {
   if (!iListP) return;
   Notes const & notes = iListP->mNotes;
-  mIter = notes.Begin();
-  mEnd = notes.End();
+  mEnd = notes.Size();
   if (notes.empty()) return;
   mEndTime = notes.back().mTime;
   ++mEndTime;  // so that the last notes are in the range
@@ -35,35 +28,64 @@ Vrad_NoteListBase::FullNotesInRangeIter::FullNotesInRangeIter(Vrad_NoteListBase 
 
 void Vrad_NoteListBase::FullNotesInRangeIter::SetRange(Time_Typed iStart, Time_Typed iEnd) {
   mEndTime = iEnd;
+  mRunLeft = 0;
   if (!mListP) return;
   Notes const & notes = mListP->mNotes;
-  mIter = notes.Begin() + Vrad_LowerBound(notes, iStart);
-  mEnd = notes.End();
+  mIndex = Vrad_LowerBound(notes, iStart);
+  mEnd = notes.Size();
 }
 
-bool Vrad_NoteListBase::FullNotesInRangeIter::ReportNoList() const {
-  return CMN_CHECK(mListP != 0, "mListP != 0");
+// In a list of the range's unit a run goes to the end of a chunk or of the range. In any other list
+// it is one note: each is compared when its turn comes.
+bool Vrad_NoteListBase::FullNotesInRangeIter::FindRun() const {
+  mRunLeft = 0;
+  if (!CMN_CHECK(mListP != 0, "mListP != 0") || mIndex >= mEnd) return false;
+  Cmn_ChunkyVecImpl const & notes = mListP->mNotes.GetImpl();
+  char const * first = nullptr;
+  bool isLast = false;
+  if (Vrad_HasKeysFor(mListP->mNotes, mEndTime.GetType())) {
+    int const num = notes.GetSpanBefore(mIndex, mEndTime.AsInt64(), &first, &isLast);
+    mRunLeft = std::min(num, mEnd - mIndex);
+    if (isLast) mEnd = mIndex + mRunLeft;
+  } else {
+    first = notes.GetConstPtr(mIndex);
+  }
+  mNoteP = reinterpret_cast<Vrad_NoteListBase_Note const *>(first);
+  if (mNoteP && !isLast && mRunLeft == 0 && mNoteP->mTime < mEndTime) mRunLeft = 1;
+  mStamp = notes.GetStamp();
+  return mRunLeft > 0;
 }
 
-Vrad_NoteListBase_Note const & Vrad_NoteListBase::FullNotesInRangeIter::ReportNoNote() const {
-  CMN_CHECK(this->IsMore(), "this->IsMore()");
-  return BlankNote();
+bool Vrad_NoteListBase::FullNotesInRangeIter::FindRunOrReport() const {
+  return CMN_CHECK(this->IsMore(), "this->IsMore()");
+}
+
+Vrad_NoteListBase_Note const & Vrad_NoteListBase::FullNotesInRangeIter::BlankNote() {
+  static Vrad_NoteListBase_Note const sBlank;
+  return sBlank;
 }
 
 void Vrad_NoteListBase::FullNotesInRangeIter::ChangeCurrentNote(
     Vrae_NoteWithDurationEvent const & iNew) {
-  if (CMN_CHECK(this->IsMore(), "this->IsMore()")) mListP->ChangeNote(mIter, iNew);
+  if (!IsInRun() && !FindRunOrReport()) return;
+  mListP->ChangeNote(std::as_const(mListP->mNotes).At(mIndex), iNew);
 }
 
-// Passes over notes whose ends are known not to lie after the time, whole chunks at once. Without
-// keys for these times it stays where it is: the caller then looks at each note.
+// Passes over notes whose ends are known not to lie after the time, whole chunks at once, if need
+// be past the range. Without keys for these times it stays where it is: the caller then looks at
+// each note.
 void Vrad_NoteListBase::FullNotesInRangeIter::SkipToEndAfter(Time_Typed iTime) {
   if (!mListP || mEndTime.GetType() != iTime.GetType()) return;
-  Notes const & notes = mListP->mNotes;
-  if (!Vrad_HasKeysFor(notes, iTime.GetType())) return;
-  int const last = notes.GetImpl().LowerBound(mEndTime.AsInt64());
-  int const found = notes.GetImpl().FindExtentAbove(mIter.GetIndex(), last, iTime.AsInt64());
-  mIter += found - mIter.GetIndex();
+  if (!Vrad_HasKeysFor(mListP->mNotes, iTime.GetType())) return;
+  int const found = mListP->mNotes.GetImpl().FindExtentAbove(mIndex, mEnd, iTime.AsInt64());
+  int const num = found - mIndex;
+  mIndex = found;
+  if (num < mRunLeft) {
+    mNoteP += num;
+    mRunLeft -= num;
+  } else {
+    mRunLeft = 0;
+  }
 }
 
 Vrad_NoteListBase::NotesExtendedEventInRangeIter::NotesExtendedEventInRangeIter() = default;
@@ -130,7 +152,7 @@ bool Vrad_NoteListBase::FullSustainingNoteIter::IsMore() const {
 }
 
 Vrad_NoteListBase_Note const & Vrad_NoteListBase::FullSustainingNoteIter::operator*() const {
-  return CMN_CHECK(this->IsMore(), "this->IsMore()") ? *mIter : BlankNote();
+  return CMN_CHECK(this->IsMore(), "this->IsMore()") ? *mIter : FullNotesInRangeIter::BlankNote();
 }
 
 void Vrad_NoteListBase::FullSustainingNoteIter::operator++() {
