@@ -2,7 +2,8 @@
 // a sorted vector of the same events that fills the same kind of list.
 //
 // All clips have the same density, so that a block holds equally many events in each; only their
-// length grows. Blocks are taken at random, the same ones for the clip and for the vector.
+// length grows. Blocks are taken one behind the other, as in playback, or at random: the same ones
+// for the clip and for the vector.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -29,8 +30,10 @@ struct Clip {
     std::mt19937 random(1);
     std::uniform_int_distribution<long long> block(0,
                                                    iNumNotes * kTicksPerNote / kTicksPerBlock - 1);
-    for (int i = 0; i < kNumPlaces; ++i)
-      mPlaces.push_back(block(random) * kTicksPerBlock);
+    for (int i = 0; i < kNumPlaces; ++i) {
+      mRandomPlaces.push_back(block(random) * kTicksPerBlock);
+      mPlaybackPlaces.push_back((iNumNotes / 8 + i) * kTicksPerBlock);
+    }
   }
 
   // A clip's lists, kept from one benchmark to the next: making the longest takes a while.
@@ -43,7 +46,8 @@ struct Clip {
 
   Ndo_AutoPtr<Vrad_Chunk> mChunk;
   std::vector<Vrad_ExtendedEvent> mEvents;  // the same events, in playback order
-  std::vector<long long> mPlaces;           // where random blocks start
+  std::vector<long long> mRandomPlaces;     // where blocks start
+  std::vector<long long> mPlaybackPlaces;   // each where the one before ends
 
 private:
   void FillNotes(int iNumNotes) {
@@ -81,47 +85,61 @@ void Retrieve(Clip const & iClip, long long iStart, Vrae_TimedEventList & ioList
                                      Time_Tick(iStart + kTicksPerBlock), false, 0, 0, iMarker);
 }
 
-void RunBlocks(benchmark::State & ioState, ENoteOffInclusion iMarker) {
+typedef std::vector<long long> Clip::*Places;
+
+/// Retrieves block after block with `iRetrieve(clip, start, list)`.
+template <class TRetrieve>
+void RunBlocks(benchmark::State & ioState, Places iPlaces, TRetrieve iRetrieve) {
   Clip const & clip = Clip::Get(static_cast<int>(ioState.range(0)));
+  std::vector<long long> const & places = clip.*iPlaces;
   Vrae_TimedEventList list;
   size_t place = 0, numEvents = 0;
   for (auto _ : ioState) {
     list.clear();
-    Retrieve(clip, clip.mPlaces[place++ % kNumPlaces], list, iMarker);
+    iRetrieve(clip, places[place++ % kNumPlaces], list);
     numEvents += list.size();
   }
   ioState.counters["events"] =
       static_cast<double>(numEvents) / static_cast<double>(ioState.iterations());
 }
 
-void Block(benchmark::State & ioState) {
-  RunBlocks(ioState, kNoteOffInclusion_None);
+void OfChunk(Clip const & iClip, long long iStart, Vrae_TimedEventList & ioList) {
+  Retrieve(iClip, iStart, ioList, kNoteOffInclusion_None);
 }
 
-void BlockWithMarker(benchmark::State & ioState) {
-  RunBlocks(ioState, kNoteOffInclusion_Last);
+void OfChunkWithMarker(Clip const & iClip, long long iStart, Vrae_TimedEventList & ioList) {
+  Retrieve(iClip, iStart, ioList, kNoteOffInclusion_Last);
 }
 
-void BlockOfVector(benchmark::State & ioState) {
-  Clip const & clip = Clip::Get(static_cast<int>(ioState.range(0)));
-  Vrae_TimedEventList list;
-  size_t place = 0, numEvents = 0;
+void OfVector(Clip const & iClip, long long iStart, Vrae_TimedEventList & ioList) {
   auto const isBefore = [](Vrad_ExtendedEvent const & iEvent, Time_Typed iTime) {
     return iEvent.mTime < iTime;
   };
-  for (auto _ : ioState) {
-    list.clear();
-    Vrad_EventListWrapper wrapper(&list);
-    long long const start = clip.mPlaces[place++ % kNumPlaces];
-    Time_Typed const end = Time_Tick(start + kTicksPerBlock);
-    auto iter = std::lower_bound(clip.mEvents.begin(), clip.mEvents.end(),
-                                 Time_Typed(Time_Tick(start)), isBefore);
-    for (; iter != clip.mEvents.end() && iter->mTime < end; ++iter)
-      wrapper.push_back(*iter);
-    numEvents += list.size();
-  }
-  ioState.counters["events"] =
-      static_cast<double>(numEvents) / static_cast<double>(ioState.iterations());
+  Vrad_EventListWrapper wrapper(&ioList);
+  Time_Typed const start = Time_Tick(iStart), end = Time_Tick(iStart + kTicksPerBlock);
+  auto iter = std::lower_bound(iClip.mEvents.begin(), iClip.mEvents.end(), start, isBefore);
+  for (; iter != iClip.mEvents.end() && iter->mTime < end; ++iter)
+    wrapper.push_back(*iter);
+}
+
+void PlaybackBlock(benchmark::State & ioState) {
+  RunBlocks(ioState, &Clip::mPlaybackPlaces, OfChunk);
+}
+
+void PlaybackBlockWithMarker(benchmark::State & ioState) {
+  RunBlocks(ioState, &Clip::mPlaybackPlaces, OfChunkWithMarker);
+}
+
+void PlaybackBlockOfVector(benchmark::State & ioState) {
+  RunBlocks(ioState, &Clip::mPlaybackPlaces, OfVector);
+}
+
+void RandomBlock(benchmark::State & ioState) {
+  RunBlocks(ioState, &Clip::mRandomPlaces, OfChunk);
+}
+
+void RandomBlockOfVector(benchmark::State & ioState) {
+  RunBlocks(ioState, &Clip::mRandomPlaces, OfVector);
 }
 
 // One note into the middle, taken back.
@@ -130,7 +148,7 @@ void UndoOfOneEdit(benchmark::State & ioState) {
   Vrae_NoteWithDurationEvent const note(60, Time_TickLength(1000), 100, 64);
   size_t place = 0;
   for (auto _ : ioState) {
-    Time_Tick const time(clip.mPlaces[place++ % kNumPlaces]);
+    Time_Tick const time(clip.mRandomPlaces[place++ % kNumPlaces]);
     Ndo_gManager.BeginTransaction("Add a note");
     clip.mChunk->AddEvent(Vrad_NoteWithDurationExtendedEvent(time, note, false));
     Ndo_gManager.EndTransaction();
@@ -143,9 +161,11 @@ void WithSizes(benchmark::internal::Benchmark * iBenchmarkP) {
   iBenchmarkP->Arg(10000)->Arg(100000)->Arg(1000000);
 }
 
-BENCHMARK(Block)->Apply(WithSizes);
-BENCHMARK(BlockWithMarker)->Apply(WithSizes);
-BENCHMARK(BlockOfVector)->Apply(WithSizes);
+BENCHMARK(PlaybackBlock)->Apply(WithSizes);
+BENCHMARK(PlaybackBlockWithMarker)->Apply(WithSizes);
+BENCHMARK(PlaybackBlockOfVector)->Apply(WithSizes);
+BENCHMARK(RandomBlock)->Apply(WithSizes);
+BENCHMARK(RandomBlockOfVector)->Apply(WithSizes);
 BENCHMARK(UndoOfOneEdit)->Apply(WithSizes);
 
 }  // namespace
