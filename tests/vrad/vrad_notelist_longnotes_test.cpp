@@ -29,6 +29,21 @@ private:
   bool & mIsGone;
 };
 
+// A list whose long note list has one of its own: from 50 and from 100 ticks on.
+class ChainedList : public List {
+public:
+  ChainedList() {
+    List * const middleP = new List;
+    middleP->Attach(new Vrad_NoteListBase(kNotUndoable, false), 100, 100);
+    Attach(middleP, 50, 50);
+  }
+};
+
+std::string PrintChain(Vrad_NoteListBase & iList) {
+  return Print(iList) + "; " + PrintLongNotes(iList) + "; " +
+         PrintLongNotes(*iList.GetLongNoteList());
+}
+
 Vrad_NoteListBase * NewList(Ndo_Object::EUndoFlag iFlag = Ndo_Object::kNotUndoable) {
   return new Vrad_NoteListBase(iFlag, false);
 }
@@ -135,6 +150,59 @@ TEST(Vrad_NoteList_LongNotes, ACopyThatIsMissingIsReportedAndTheNoteChangedAllTh
   EXPECT_EQ(1, recorder.GetNum("result.first"));
   EXPECT_EQ("63@0+15360000", Print(list));
   EXPECT_EQ("60@0+10", PrintLongNotes(list));
+}
+
+TEST(Vrad_NoteList_LongNotes, ALongNoteOfFractionalPitchIsCopiedWhole) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  Vrae_PitchToMIDINoteWithDuration const event(60, TickLength(kLong), 80, 64, 0.25f);
+  list.AddNote(Vrad_NoteListBase_Note(TickTime(0),
+                                      static_cast<Vrae_Event const &>(event).AsNoteWithDuration(),
+                                      TickLength(3), NoteEvent(58, 7), true));
+  EXPECT_TRUE(*list.GetLongNoteList() == list);
+}
+
+TEST(Vrad_NoteList_LongNotes, AdditionAndErasureGoDownAChain) {
+  ChainedList list;
+  AddNote(list, 60, 0, 49);
+  AddNote(list, 61, 0, 99);
+  AddNote(list, 62, 0, 100);
+  EXPECT_EQ("60@0+49 | 61@0+99 | 62@0+100; 61@0+99 | 62@0+100; 62@0+100", PrintChain(list));
+  list.EraseNote(TimedNote(62, 0, 1));
+  EXPECT_EQ("60@0+49 | 61@0+99; 61@0+99; ", PrintChain(list));
+}
+
+TEST(Vrad_NoteList_LongNotes, AChangeGoesDownAChainByTheCasesOfEachLevel) {
+  ChainedList list;
+  AddNote(list, 60, 0, 60);
+  list.ChangeNote(TickTime(0), NoteEvent(60, 1), NoteEvent(61, 200));
+  EXPECT_EQ("61@0+200; 61@0+200; 60@0+60", PrintChain(list));
+}
+
+TEST(Vrad_NoteList_LongNotes, ClearingGoesDownAChain) {
+  ChainedList list;
+  AddNote(list, 60, 0, 100);
+  list.Clear();
+  EXPECT_EQ("; ; ", PrintChain(list));
+}
+
+TEST(Vrad_NoteList_LongNotes, ReplacingGoesDownAChainWhileTheThresholdsAgree) {
+  ChainedList source, list;
+  AddNote(source, 60, 0, 60);
+  source.ChangeNote(TickTime(0), NoteEvent(60, 1), NoteEvent(61, 200));
+  list.ReplaceData(&source);
+  EXPECT_EQ("61@0+200; 61@0+200; 60@0+60", PrintChain(list));
+  list.GetLongNoteList()->SetLongNoteDuration(SampleLength(7));
+  list.ReplaceData(&source);
+  EXPECT_EQ("61@0+200; 61@0+200; 61@0+200", PrintChain(list));
+}
+
+TEST(Vrad_NoteList_LongNotes, MakingThemAnewEmptiesAndFillsTheWholeChain) {
+  ChainedList list;
+  List source;
+  AddNote(list, 60, 0, 100);
+  AddNote(source, 61, 0, 60);
+  list.ReplaceData(&source);
+  EXPECT_EQ("61@0+60; 61@0+60; ", PrintChain(list));
 }
 
 TEST(Vrad_NoteList_SetLongNoteDuration, ChangesOneThresholdAndMovesNoNote) {

@@ -96,6 +96,27 @@ TEST(Vrad_NoteList_LatestRelease, WithoutALongNoteListLooksAtTheWholeRange) {
   EXPECT_EQ("110", Latest(list, 0, 1LL << 40));
 }
 
+// 1000 ticks are 25 samples: the threshold is that of the end's unit, taken from the end.
+TEST(Vrad_NoteList_LatestRelease, TakesTheThresholdInTheUnitOfTheEnd) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  list.SetLongNoteDuration(SampleLength(20));
+  list.SetLongNoteDuration(TickLength(600));
+  AddNote(list, 60, 300, 5);  // before tick 400, after sample 5
+  EXPECT_EQ("305", Print(list.GetLatestReleaseTimeForNotesInRange(TickTime(0), SampleTime(25))));
+  EXPECT_EQ("0s", Print(list.GetLatestReleaseTimeForNotesInRange(SampleTime(0), TickTime(1000))));
+}
+
+TEST(Vrad_NoteList_LatestRelease, TakesTheLatestOfBothLists) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  list.SetLongNoteDuration(TickLength(100));
+  AddNote(list, 60, 10, 100);
+  AddNote(list, 61, 200, 20);
+  EXPECT_EQ("220", Latest(list, 0, 250));
+  AddNote(list, 62, 20, 300);
+  EXPECT_EQ("320", Latest(list, 0, 250));
+  EXPECT_EQ("220", Latest(list, 21, 250));
+}
+
 TEST(Vrad_NoteList_Release, OfNotesInSamplesAskedInTicks) {
   Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
   list.AddNote(Vrad_NoteListBase_Note(SampleTime(10), NoteEvent(60, SampleLength(5))));

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "cmn/cmn_assert.h"
+#include "foundation/time_convert.h"
 #include "support/vrad_notes.h"
 
 namespace {
@@ -237,6 +238,14 @@ TEST(Vrad_NoteList_ReplaceData, WithOtherThresholdsMakesTheLongNotesAnew) {
   EXPECT_EQ("60@0+10", PrintLongNotes(list));
 }
 
+TEST(Vrad_NoteList_ReplaceData, WithAnotherThresholdInSamplesAloneMakesTheLongNotesAnew) {
+  Vrad_NoteList source = MakeList(), list = MakeList();
+  source.AddNote(Vrad_NoteListBase_Note(TickTime(0), NoteEvent(60, SampleLength(10))));
+  list.SetLongNoteDuration(SampleLength(10));
+  list.ReplaceData(&source);
+  EXPECT_EQ("60@0+10s", PrintLongNotes(list));
+}
+
 TEST(Vrad_NoteList_ReplaceData, FromAListWithoutLongNotesMakesThemAnew) {
   Vrad_NoteListBase source(Ndo_Object::kNotUndoable, false);
   Vrad_NoteList list = MakeList();
@@ -287,6 +296,20 @@ TEST(Vrad_NoteList_EarliestTime, OfAnEmptyListKeepsTheValue) {
   Time_Typed time = TickTime(3);
   list.EarliestTime(time);
   EXPECT_EQ("3", Print(time));
+}
+
+// Tick 400 is sample 10 at the tempo of the additions, sample 5 at twice that tempo.
+TEST(Vrad_NoteList_EarliestTime, LooksAtEveryNoteOfMixedUnits) {
+  Vrad_NoteList list = MakeList();
+  list.AddNote(Vrad_NoteListBase_Note(SampleTime(9), NoteEvent(60, 1)));
+  AddNote(list, 61, 400, 1);
+  Time_Typed time;
+  list.EarliestTime(time);
+  EXPECT_EQ("9s", Print(time));
+  Time_Convert::GetDefaultTempoMap().Reset(240);
+  list.EarliestTime(time);
+  Time_Convert::GetDefaultTempoMap().Reset(120);
+  EXPECT_EQ("400", Print(time));
 }
 
 TEST(Vrad_NoteList_Equality, LooksAtEveryField) {
