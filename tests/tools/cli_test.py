@@ -256,6 +256,22 @@ class BadCommandLines(Tool):
             self.assertEqual((status, out), (2, ""), words)
             self.assertTrue(err.startswith("vrad: "), err)
 
+    def test_names_the_unknown_command(self):
+        self.expect_usage_error(["sing"], "'sing' is not a command")
+        self.expect_usage_error(["sing", "notes.mid", "--loud"], "'sing' is not a command")
+
+    def test_clips_that_are_no_numbers(self):
+        path = self.write("notes.mid", NOTES)
+        for number in ("", "one", "1.5", "0x1", "+1", " 1", "1 ", "99999999999999999999"):
+            self.expect_usage_error(["events", path, f"--clip={number}"] if number else
+                                    ["events", path, "--clip", ""],
+                                    f"--clip: '{number}' is not the number of a clip")
+
+    def test_reads_clip_numbers_as_decimal(self):
+        self.assertEqual(self.events("--clip", "01"), self.events("--clip", "1"))
+        self.expect_usage_error(["events", self.write("notes.mid", NOTES), "--clip", "010"],
+                                "--clip: the file has clips 0 to 1")
+
     def test_bad_positions(self):
         path = self.write("notes.mid", NOTES)
         for option in ("--from", "--to"):

@@ -25,7 +25,9 @@ int Run(int iNumArgs, char ** iArgs) {
   } catch (CLI::Success const & success) {
     return app.exit(success);  // --help and --version
   } catch (CLI::ParseError const & error) {
-    throw Tool_UsageError(error.what());
+    bool const hasCommand = !app.get_subcommands().empty();
+    if (hasCommand || app.remaining_size() == 0) throw Tool_UsageError(error.what());
+    throw Tool_UsageError(fmt::format("'{}' is not a command", app.remaining().front()));
   }
   if (infoApp->parsed()) return info.Run();
   if (eventsApp->parsed()) return events.Run();

@@ -1,5 +1,7 @@
 #include "tools/vrad/tool_range.h"
 
+#include <charconv>
+
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
@@ -28,6 +30,16 @@ ParseWindow(std::optional<std::string> const & iText) {
 
 Vrae_Filter ParseFilter(std::optional<std::string> const & iText) {
   return iText ? Tool_ParseFilter("--filter", *iText) : Vrae_Filter().SetAll();
+}
+
+// Always decimal, so that "010" is ten; an empty text is no number.
+std::optional<long long> ParseClip(std::optional<std::string> const & iText) {
+  if (!iText) return std::nullopt;
+  long long clip = 0;
+  char const * const end = iText->data() + iText->size();
+  auto const [stop, error] = std::from_chars(iText->data(), end, clip);
+  if (error == std::errc() && stop == end) return clip;
+  throw Tool_UsageError(fmt::format("--clip: '{}' is not the number of a clip", *iText));
 }
 
 ENoteOffInclusion ParseNoteOffs(std::string const & iText) {
@@ -78,7 +90,7 @@ void Tool_RangeOptions::AddTo(CLI::App & ioCommand) {
 }
 
 Tool_Range::Tool_Range(Tool_RangeOptions const & iOptions)
-    : mClip(iOptions.mClip),
+    : mClip(ParseClip(iOptions.mClip)),
       mFrom(ParseOptional("--from", iOptions.mFrom)),
       mTo(ParseOptional("--to", iOptions.mTo)),
       mWindow(ParseWindow(iOptions.mWindow)),

@@ -18,8 +18,7 @@ class App;
 
 /// The options as they were written.
 struct Tool_RangeOptions {
-  std::optional<long long> mClip;
-  std::optional<std::string> mFrom, mTo, mOffset, mWindow, mFilter;
+  std::optional<std::string> mClip, mFrom, mTo, mOffset, mWindow, mFilter;
   bool mIsSkippingMuted = false;
   std::string mNoteOffs = "none";
 
