@@ -172,7 +172,8 @@ private:
   bool FindRun() const;
   bool FindRunOrReport() const;
   static Vrad_NoteListBase_Note const & BlankNote();
-  /// Moves on to the first note that may end after the time, or past the range.
+  /// Moves on to the first note that may end after the time, or past the range. Needs: the time is
+  /// of the same unit as the range's end.
   void SkipToEndAfter(Time_Typed iTime);
 
   Vrad_NoteListBase * mListP;

@@ -75,7 +75,7 @@ void Vrad_NoteListBase::FullNotesInRangeIter::ChangeCurrentNote(
 // be past the range. Without keys for these times it stays where it is: the caller then looks at
 // each note.
 void Vrad_NoteListBase::FullNotesInRangeIter::SkipToEndAfter(Time_Typed iTime) {
-  if (!mListP || mEndTime.GetType() != iTime.GetType()) return;
+  if (!mListP) return;
   if (!Vrad_HasKeysFor(mListP->mNotes, iTime.GetType())) return;
   int const found = mListP->mNotes.GetImpl().FindExtentAbove(mIndex, mEnd, iTime.AsInt64());
   int const num = found - mIndex;

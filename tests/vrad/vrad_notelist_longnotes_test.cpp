@@ -2,6 +2,7 @@
 
 #include "cmn/cmn_assert.h"
 #include "foundation/time_convert.h"
+#include "ndo/ndo_manager.h"
 #include "support/vrad_notes.h"
 #include "vrad/vrad_notelist.h"
 
@@ -131,6 +132,17 @@ TEST(Vrad_NoteList_LongNotes, ShorteningALongNoteErasesItsCopy) {
   list.ChangeNote(TickTime(0), NoteEvent(60, 1), NoteEvent(60, 10));
   EXPECT_EQ("", PrintLongNotes(list));
   EXPECT_EQ("60@0+10", Print(list));
+}
+
+TEST(Vrad_NoteList_LongNotes, AChangeOfUnitIsJudgedByTheThresholdOfEachUnit) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  AddNote(list, 60, 0, kLong);
+  list.ChangeNote(TickTime(0), NoteEvent(60, 1), NoteEvent(61, SampleLength(48000)));
+  EXPECT_EQ("61@0+48000s", PrintLongNotes(list));
+  list.ChangeNote(TickTime(0), NoteEvent(61, 1), NoteEvent(62, kLong - 1));
+  EXPECT_EQ("", PrintLongNotes(list));
+  list.ChangeNote(TickTime(0), NoteEvent(62, 1), NoteEvent(63, SampleLength(47999)));
+  EXPECT_EQ("", PrintLongNotes(list));
 }
 
 TEST(Vrad_NoteList_LongNotes, LengtheningAShortNoteFilesItWithItsOldDuration) {
@@ -271,4 +283,17 @@ TEST(Vrad_NoteList_SetLongNoteList, AListThatDiffersInUndoIsReportedAndAttached)
                                "iLongNoteListP->NdoIsUndoable()"));
   EXPECT_EQ(1, recorder.GetNum());
   EXPECT_NE(nullptr, list.GetLongNoteList());
+}
+
+// Attaching is not undone, so what was attached in the step must not go with it.
+TEST(Vrad_NoteList_SetLongNoteList, AListAttachedInAnUndoneStepLivesOn) {
+  List list(Ndo_Object::kUndoable);
+  Ndo_gManager.BeginTransaction();
+  list.Attach(NewList(Ndo_Object::kUndoable), 11, 22);
+  AddNote(*list.GetLongNoteList(), 60, 0, 10);
+  Ndo_gManager.EndTransaction();
+  Ndo_gManager.Undo();
+  EXPECT_FALSE(Ndo_gManager.IsKept(list.GetLongNoteListID()));
+  Ndo_gManager.ClearHistory();
+  EXPECT_EQ(list.GetLongNoteList(), Ndo_gManager.LookupObject(list.GetLongNoteListID()));
 }

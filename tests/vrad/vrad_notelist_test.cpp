@@ -392,6 +392,25 @@ TEST(Vrad_NoteList_Assign, LetsGoOfItsOwnLongNoteListAndSharesTheOthers) {
   EXPECT_EQ("60@0+20000000", Print(list));
 }
 
+TEST(Vrad_NoteList_Assign, TakesTheThresholds) {
+  Vrad_NoteList list = MakeList(), other = MakeList();
+  other.SetLongNoteDuration(TickLength(7));
+  other.SetLongNoteDuration(SampleLength(8));
+  list = other;
+  EXPECT_EQ(7, list.GetLongNoteDuration(Time_eType_Ticks).AsInt64());
+  EXPECT_EQ(8, list.GetLongNoteDuration(Time_eType_Samples).AsInt64());
+}
+
+TEST(Vrad_NoteList_Assign, ItsOwnLongNoteListLeavesThoseNotesAndNoLongNoteList) {
+  Vrad_NoteList list = MakeList();
+  Vrad_NoteListBase & base = list;
+  AddNote(list, 60, 0, 20000000);
+  AddNote(list, 61, 1, 10);
+  base = *list.GetLongNoteList();
+  EXPECT_EQ("60@0+20000000", Print(list));
+  EXPECT_EQ(nullptr, list.GetLongNoteList());
+}
+
 TEST(Vrad_NoteList_Assign, AListBaseSharesTooAndToItselfChangesNothing) {
   Vrad_NoteListBase list(Ndo_Object::kNotUndoable, false);
   Vrad_NoteList const other = MakeList();
