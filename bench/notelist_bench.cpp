@@ -58,15 +58,22 @@ Lists & GetLists(long long iNum) {
 // Times in the list, in random order, cheap to get.
 class Times {
 public:
-  explicit Times(long long iNum) : mRandom(7), mTicks(iNum * kStep) {}
+  explicit Times(long long iNum) : Times(0, iNum * kStep) {}
+  // As one edits: within a thousand notes in the middle.
+  static Times InTheMiddle(long long iNum) {
+    return Times((iNum - 1000) / 2 * kStep, 1000 * kStep);
+  }
   Time_Typed Next() {
-    return Time_Typed(
-        Time_Tick(static_cast<long long>(mRandom() % static_cast<unsigned long>(mTicks))));
+    long long const tick =
+        static_cast<long long>(mRandom() % static_cast<unsigned long>(mNumTicks));
+    return Time_Typed(Time_Tick(mFirst + tick));
   }
 
 private:
+  Times(long long iFirst, long long iNumTicks) : mRandom(7), mFirst(iFirst), mNumTicks(iNumTicks) {}
+
   std::mt19937_64 mRandom;
-  long long mTicks;
+  long long mFirst, mNumTicks;
 };
 
 std::vector<Note> MakeNotes(long long iNum, bool iShuffle) {
@@ -115,21 +122,19 @@ Note MakeExtraNote(Time_Typed iTime) {
               Vrae_NoteWithDurationEvent(10, Time_TypedLength(Time_TickLength(1000)), 1, 64));
 }
 
-void EditList(benchmark::State & ioState) {
+void EditList(benchmark::State & ioState, Times iTimes) {
   Lists & lists = GetLists(ioState.range(0));
-  Times times(ioState.range(0));
   for (auto _ : ioState) {
-    Note const note = MakeExtraNote(times.Next());
+    Note const note = MakeExtraNote(iTimes.Next());
     lists.mList.AddNote(note);
     lists.mList.EraseNote(Vrae_TimedEvent(note.mTime, note.mEvent));
   }
 }
 
-void EditVector(benchmark::State & ioState) {
+void EditVector(benchmark::State & ioState, Times iTimes) {
   std::vector<Note> & vector = GetLists(ioState.range(0)).mVector;
-  Times times(ioState.range(0));
   for (auto _ : ioState) {
-    Note const note = MakeExtraNote(times.Next());
+    Note const note = MakeExtraNote(iTimes.Next());
     vector.insert(std::upper_bound(vector.begin(), vector.end(), note, StartsBefore), note);
     auto at = std::lower_bound(vector.begin(), vector.end(), note, StartsBefore);
     while (at->mEvent.GetOnVelocity() != 1)
@@ -278,8 +283,10 @@ void RegisterAll() {
   add("vector/BuildInOrder", BuildVector);
   add("list/BuildAtRandom", [](State & s) { BuildList(s, true); });
   benchmark::RegisterBenchmark("vector/BuildAtRandom", BuildVectorShuffled)->Arg(10000);
-  add("list/AddAndErase", EditList);
-  add("vector/AddAndErase", EditVector);
+  add("list/EditInTheMiddle", [](State & s) { EditList(s, Times::InTheMiddle(s.range(0))); });
+  add("vector/EditInTheMiddle", [](State & s) { EditVector(s, Times::InTheMiddle(s.range(0))); });
+  add("list/EditAtRandom", [](State & s) { EditList(s, Times(s.range(0))); });
+  add("vector/EditAtRandom", [](State & s) { EditVector(s, Times(s.range(0))); });
   add("list/BlockOf16", [](State & s) { RangeOfList(s, 16, false); });
   add("vector/BlockOf16", [](State & s) { RangeOfVector(s, 16, false); });
   add("list/BlockOf1", [](State & s) { RangeOfList(s, 1, false); });
