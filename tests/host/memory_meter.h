@@ -14,13 +14,19 @@ inline std::atomic<long long> gMost{0};
 
 constexpr size_t kHeader = alignof(std::max_align_t);
 
-inline void * Take(size_t iSize) {
+inline void * TakeOrNull(size_t iSize) noexcept {
   char * const block = static_cast<char *>(std::malloc(iSize + kHeader));
-  if (!block) throw std::bad_alloc();
+  if (!block) return nullptr;
   *reinterpret_cast<size_t *>(block) = iSize;
   long long const inUse = gInUse += static_cast<long long>(iSize);
   if (inUse > gMost) gMost = inUse;
   return block + kHeader;
+}
+
+inline void * Take(size_t iSize) {
+  void * const block = TakeOrNull(iSize);
+  if (!block) throw std::bad_alloc();
+  return block;
 }
 
 inline void GiveBack(void * iBlock) {
@@ -46,6 +52,13 @@ void * operator new(size_t iSize) {
 }
 void * operator new[](size_t iSize) {
   return memory_meter::Take(iSize);
+}
+// Replaced too: a sanitizer's own would hand out blocks without the header.
+void * operator new(size_t iSize, std::nothrow_t const &) noexcept {
+  return memory_meter::TakeOrNull(iSize);
+}
+void * operator new[](size_t iSize, std::nothrow_t const &) noexcept {
+  return memory_meter::TakeOrNull(iSize);
 }
 void operator delete(void * iBlock) noexcept {
   memory_meter::GiveBack(iBlock);
