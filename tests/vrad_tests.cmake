@@ -33,9 +33,7 @@ endfunction()
 
 # Sees what a host sees: links host/ and the shared library.
 function(vrad_host_test iFile)
-  if(TARGET vrad_host)
-    vrad_test_program(${iFile} vrad_host ${ARGN})
-  endif()
+  vrad_test_program(${iFile} vrad_host ${ARGN})
 endfunction()
 
 # Sees the shared library alone, as it is shipped.
