@@ -73,7 +73,7 @@ public:
   void FilterNotesInProgress(NoteInProgressFilter const & iFilter);
 
   /// Sends what turns this state, the old one, into the new one, and, if `iUpdateState`, becomes a
-  /// copy of it. Does neither if the spec does not chase notes; sends nothing to a null receiver.
+  /// copy of it. Does neither unless notes are chased; sends nothing to a null receiver.
   /// Fails: a null new state meets a throwing check if there is a receiver.
   void ComputeTransitionToNewState(Vrae_TrackState * iNewStateP, Vrae_EventReceiver * iOutputP,
                                    Vrae_ChaseSpec const & iChaseSpec, bool iUpdateState);
