@@ -240,6 +240,23 @@ clip 1: track 1, channel 1
         self.expect(["events", self.write("none.mid", header(0, 1, 480) + track())], 0, "")
 
 
+class ErrorsThatNobodyHears(Tool):
+    def test_keep_the_exit_status(self):
+        damaged = self.write("damaged.mid", NOTES[:-40])
+        for words, status in ((["events", "none.mid"], 1), (["events", damaged], 1), (["sing"], 2)):
+            with open("/dev/full", "w") as full:
+                done = subprocess.run([TOOL, *words], stdout=subprocess.DEVNULL, stderr=full,
+                                      timeout=120)
+            self.assertEqual(done.returncode, status, words)
+
+    def test_do_not_stop_the_events(self):
+        damaged = self.write("damaged.mid", NOTES[:-40])
+        with open("/dev/full", "w") as full:
+            done = subprocess.run([TOOL, "events", damaged, "--as", "jsonl"], text=True,
+                                  stdout=subprocess.PIPE, stderr=full, timeout=120)
+        self.assertTrue(done.stdout.startswith(NOTES_AS_JSONL.split("}\n")[0]), done.stdout)
+
+
 class BadCommandLines(Tool):
     def test_no_command(self):
         status, out, err = self.run_tool()

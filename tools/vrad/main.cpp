@@ -1,5 +1,4 @@
 // vrad: shows what the library makes of a MIDI file.
-#include <cstdio>
 #include <exception>
 
 #include <CLI/CLI.hpp>
@@ -8,6 +7,7 @@
 #include "tools/vrad/command_events.h"
 #include "tools/vrad/command_info.h"
 #include "tools/vrad/tool_error.h"
+#include "tools/vrad/tool_output.h"
 #include "vrad/vrad_version.h"
 
 namespace {
@@ -40,10 +40,11 @@ int main(int iNumArgs, char ** iArgs) {
   try {
     return Run(iNumArgs, iArgs);
   } catch (Tool_UsageError const & error) {
-    fmt::print(stderr, "vrad: {}\nvrad: see vrad --help\n", error.what());
+    Tool_TellError(error.what());
+    Tool_TellError("see vrad --help");
     return kStatus_BadCommandLine;
   } catch (std::exception const & error) {
-    fmt::print(stderr, "vrad: {}\n", error.what());
+    Tool_TellError(error.what());
     return kStatus_BadInput;
   }
 }

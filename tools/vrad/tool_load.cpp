@@ -1,6 +1,5 @@
 #include "tools/vrad/tool_load.h"
 
-#include <cstdio>
 #include <new>
 #include <system_error>
 
@@ -8,6 +7,7 @@
 
 #include "foundation/time_convert.h"
 #include "tools/vrad/tool_error.h"
+#include "tools/vrad/tool_output.h"
 
 namespace {
 
@@ -27,11 +27,11 @@ Host_MidiFile ReadFile(std::string const & iPath) {
 void TellLosses(std::string const & iPath, Host_MidiReport const & iReport) {
   for (Host_MidiReport::Problem const & problem : iReport.GetProblems()) {
     if (!problem.mIsLoss) continue;
-    fmt::print(stderr, "vrad: {}: offset {:#x}: {}\n", iPath, problem.mOffset, problem.mText);
+    Tool_TellError(fmt::format("{}: offset {:#x}: {}", iPath, problem.mOffset, problem.mText));
   }
   long long const numMore =
       iReport.GetNumProblems() - static_cast<long long>(iReport.GetProblems().size());
-  if (numMore > 0) fmt::print(stderr, "vrad: {}: {} more problems\n", iPath, numMore);
+  if (numMore > 0) Tool_TellError(fmt::format("{}: {} more problems", iPath, numMore));
 }
 
 }  // namespace

@@ -14,3 +14,8 @@ void Tool_Output::Flush() {
     throw Tool_InputError("standard output: " + std::generic_category().message(errno));
   }
 }
+
+void Tool_TellError(std::string const & iText) {
+  std::string const line = "vrad: " + iText + "\n";
+  std::fwrite(line.data(), 1, line.size(), stderr);
+}

@@ -1,5 +1,7 @@
-// What goes to the standard output.
+// What goes to the standard output, and what goes to the standard error stream.
 #pragma once
+
+#include <string>
 
 #include <fmt/format.h>
 
@@ -21,3 +23,7 @@ private:
 
   fmt::memory_buffer mBuffer;
 };
+
+/// Writes "vrad: ", iText and a line end to the standard error stream. What cannot be told there is
+/// lost in silence: the exit status still says it.
+void Tool_TellError(std::string const & iText);
