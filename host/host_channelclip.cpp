@@ -32,7 +32,21 @@ Vrae_ProgramEvent MakeProgram(int iProgram, int iMSB, int iLSB) {
 
 }  // namespace
 
-Host_ChannelClip::Host_ChannelClip(Host_MidiReport & ioReport) : mReport(ioReport) {
+bool Host_StoreBudget::Take(size_t iOffset) {
+  if (mNumLeft > 0) {
+    --mNumLeft;
+    return true;
+  }
+  if (!mIsTold) {
+    mReport.AddProblem(
+        iOffset, "too many tracks, channels and controllers; further ones are not read", true);
+  }
+  mIsTold = true;
+  return false;
+}
+
+Host_ChannelClip::Host_ChannelClip(Host_MidiReport & ioReport, Host_StoreBudget & ioBudget)
+    : mReport(ioReport), mBudget(ioBudget) {
   StartAnew();
 }
 
@@ -141,6 +155,7 @@ void Host_ChannelClip::AddLoneBankSelect() {
 // The store keeps one value at a time, so a later one puts an earlier one out.
 void Host_ChannelClip::AddValue(long long iTick, Vrae_Event const & iEvent, size_t iOffset) {
   LastValue & last = mLastValues[static_cast<size_t>(Vrae_SubStream(iEvent).GetIndex())];
+  if (last.mTick == kNone && !mBudget.Take(iOffset)) return;
   if (last.mTick == iTick) mReport.CountNotKept(kNotKept_EarlierValue, last.mOffset);
   last = {iTick, iOffset};
   GetChunk().AddEvent(Vrad_ExtendedEvent(Time_Tick(iTick), iEvent));

@@ -10,12 +10,29 @@
 #include "ndo/ndo_ptr.h"
 #include "vrad/vrad_chunk.h"
 
+/// How many stores a file may still make: clips, and streams of values in them. Past the last one
+/// it says so, once, and refuses. Thread: one at a time.
+class Host_StoreBudget {
+public:
+  Host_StoreBudget(int iNumStores, Host_MidiReport & ioReport)
+      : mNumLeft(iNumStores), mReport(ioReport) {}
+
+  /// False when none is left. iOffset is where the file asks for it.
+  bool Take(size_t iOffset);
+
+private:
+  int mNumLeft;
+  bool mIsTold = false;
+  Host_MidiReport & mReport;
+};
+
 /// Gathers notes until their ends are known and files everything else at once. Reusable: `Finish`
 /// leaves it as new.
 /// Thread: one at a time.
 class Host_ChannelClip {
 public:
-  explicit Host_ChannelClip(Host_MidiReport & ioReport);
+  /// Both must outlive it.
+  Host_ChannelClip(Host_MidiReport & ioReport, Host_StoreBudget & ioBudget);
   Host_ChannelClip(Host_ChannelClip const &) = delete;
   Host_ChannelClip & operator=(Host_ChannelClip const &) = delete;
 
@@ -63,6 +80,7 @@ private:
   void StartAnew();
 
   Host_MidiReport & mReport;
+  Host_StoreBudget & mBudget;
   Ndo_AutoPtr<Vrad_Chunk> mChunk;  // null until something is kept
   std::vector<Note> mNotes;        // in order of their beginning
   std::array<int, kNumPitches> mFirstOpen;

@@ -31,13 +31,12 @@ void AddRun(Vrad_EventStream & ioStream, Time_Typed iTime, std::span<Vrae_Event 
 }  // namespace
 
 Host_ClipBuilder::Host_ClipBuilder(std::vector<Host_Clip> & ioClips, Host_MidiReport & ioReport)
-    : mClips(ioClips), mReport(ioReport) {}
+    : mClips(ioClips), mReport(ioReport), mBudget(kHost_MaxStores, ioReport) {}
 
 Host_ClipBuilder::~Host_ClipBuilder() = default;
 
 void Host_ClipBuilder::BeginTrack(int iTrack) {
   mTrack = iTrack;
-  mNumBegun = 0;
 }
 
 void Host_ClipBuilder::AddChannelMessage(long long iTick, unsigned char iStatus,
@@ -45,9 +44,9 @@ void Host_ClipBuilder::AddChannelMessage(long long iTick, unsigned char iStatus,
                                          size_t iOffset) {
   size_t const index = iStatus & 0x0fu;
   if (!mIsInUse[index]) {
-    if (!IsThereRoom(iOffset)) return;
+    if (!mBudget.Take(iOffset)) return;
     mIsInUse[index] = true;
-    if (!mChannels[index]) mChannels[index] = std::make_unique<Host_ChannelClip>(mReport);
+    if (!mChannels[index]) mChannels[index] = std::make_unique<Host_ChannelClip>(mReport, mBudget);
   }
   mChannels[index]->AddMessage(iTick, iStatus, iData1, iData2, iOffset);
 }
@@ -58,7 +57,7 @@ void Host_ClipBuilder::AddSysex(long long iTick, std::span<unsigned char const> 
     return mReport.AddProblem(iOffset, "a sysex of more than 2^30 bytes is not read", true);
   }
   if (!mSysexChunk.Get()) {
-    if (!IsThereRoom(iOffset)) return;
+    if (!mBudget.Take(iOffset)) return;
     mSysexChunk = Ndo_AutoPtr<Vrad_Chunk>(Vrad_Chunk::New(Ndo_Object::kUndoable, false));
   }
   if (iTick != mSysexTick) AddSysexRun();
@@ -74,21 +73,6 @@ void Host_ClipBuilder::EndTrack(long long iTick) {
   if (!mSysexChunk.Get()) return;
   AddSysexRun();
   AppendClip(-1, std::move(mSysexChunk));
-}
-
-bool Host_ClipBuilder::IsThereRoom(size_t iOffset) {
-  if (mClips.size() + static_cast<size_t>(mNumBegun) < kHost_MaxClips) {
-    ++mNumBegun;
-    return true;
-  }
-  if (!mIsFull) {
-    mReport.AddProblem(iOffset,
-                       "more than " + std::to_string(kHost_MaxClips) +
-                           " clips; further tracks and channels are not read",
-                       true);
-  }
-  mIsFull = true;
-  return false;
 }
 
 void Host_ClipBuilder::AddSysexRun() {

@@ -36,15 +36,13 @@ public:
 private:
   static constexpr int kNumChannels = 16;
 
-  bool IsThereRoom(size_t iOffset);
   void AddSysexRun();
   void AppendClip(int iChannel, Ndo_AutoPtr<Vrad_Chunk> iChunk);
 
   std::vector<Host_Clip> & mClips;
   Host_MidiReport & mReport;
+  Host_StoreBudget mBudget;
   int mTrack = 0;
-  int mNumBegun = 0;  // clips of this track that something has been kept for
-  bool mIsFull = false;
   std::array<std::unique_ptr<Host_ChannelClip>, kNumChannels> mChannels;  // made at need, reused
   std::array<bool, kNumChannels> mIsInUse{};                              // in this track
   Ndo_AutoPtr<Vrad_Chunk> mSysexChunk;  // null until there is sysex

@@ -74,13 +74,14 @@ struct Host_MidiFile {
   void FillTempoMap(Time_TempoMap & ioMap) const;
 };
 
-/// The files that are read hold at most this many clips; what lies beyond is reported as a loss. It
-/// keeps a hostile file of a few kilobytes from filling memory with empty stores.
-constexpr int kHost_MaxClips = 16384;
+/// A file makes at most this many stores, a clip or a controller, bend, program or pressure of a
+/// clip being one each; what asks for more is reported as a loss. It keeps a hostile file of a few
+/// kilobytes from filling memory with stores of one value each, a kilobyte or more apiece.
+constexpr int kHost_MaxStores = 65536;
 
 /// Reads a file from its bytes, which are not needed any more afterwards. Leaves no undo step, and
 /// neither uses nor changes the tempo map of the process. One pass; some 20 times the bytes in
-/// working memory at most, besides the chunks.
+/// working memory at most, besides the chunks, whose notes take some 200 bytes each.
 /// Fails: Host_MidiFileError when it is no Standard MIDI File or its header makes no sense. Damage
 ///        further on is reported as a problem, and the rest is read. std::bad_alloc.
 /// Thread: one at a time in the process, since chunks register with the undo manager.

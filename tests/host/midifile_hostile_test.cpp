@@ -230,17 +230,33 @@ TEST(Host_ReadMidiFile, TakesLittleForPacketsOfOneSysex) {
   EXPECT_LT(MemoryMultiple(File(Bytes{0, 0xf0, 0} + Repeat({0, 0xf7, 1, 5}, 50000))), 2.0);
 }
 
-TEST(Host_ReadMidiFile, StopsAtAFixedNumberOfClips) {
+TEST(Host_ReadMidiFile, StopsAtAFixedNumberOfStores) {
+  // A clip and its program stream for each channel: eight stores a track, 32 bytes each.
   Bytes const track = Track({0, 0xc0, 1, 0, 0xc1, 1, 0, 0xc2, 1, 0, 0xc3, 1});
-  Bytes file = Header(1, 5000, 480);
-  Append(file, Repeat(track, 5000));
+  Bytes file = Header(1, 9000, 480);
+  Append(file, Repeat(track, 9000));
   Host_MidiFile const result = Read(file);
-  EXPECT_EQ(result.mClips.size(), 16384u);
-  EXPECT_EQ(result.mTracks.size(), 5000u);
-  EXPECT_THAT(
-      PrintProblems(result),
-      ElementsAre("98327: more than 16384 clips; further tracks and channels are not read"));
+  EXPECT_EQ(result.mClips.size(), 32768u);
+  EXPECT_EQ(result.mTracks.size(), 9000u);
   EXPECT_TRUE(result.mReport.IsLossy());
+  EXPECT_EQ(result.mReport.GetNumProblems(), 1);
+  EXPECT_EQ(result.mReport.GetProblems()[0].mText,
+            "too many tracks, channels and controllers; further ones are not read");
+}
+
+TEST(Host_ReadMidiFile, TakesBoundedMemoryForStoresOfOneValueEach) {
+  // Pressure of each pitch on each channel: three bytes a stream.
+  Bytes events;
+  for (unsigned char channel = 0; channel < 16; ++channel) {
+    unsigned char const status = static_cast<unsigned char>(0xa0 | channel);
+    for (unsigned char pitch = 0; pitch < 128; ++pitch)
+      Append(events, {0, status, pitch, 1});
+  }
+  Bytes file = Header(1, 60, 480);
+  Append(file, Repeat(Track(events), 60));
+  long long const most = memory_meter::Measure([&] { EXPECT_TRUE(Read(file).mReport.IsLossy()); });
+  EXPECT_LT(most, 150'000'000);
+  DropAll();
 }
 
 TEST(Host_ReadMidiFile, ReadsTimesAtTheFarEnd) {
