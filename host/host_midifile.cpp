@@ -44,8 +44,12 @@ std::vector<T> SettleChanges(std::vector<Found<T>> & ioFound, Host_ENotKept iEar
 // Hears a file out and fills a `Host_MidiFile`.
 class Reader : public Host_MidiFileVisitor, public Host_MidiSysexListener {
 public:
-  explicit Reader(Host_MidiFile & ioFile)
-      : mFile(ioFile), mBuilder(ioFile.mClips, ioFile.mReport), mJoiner(*this) {}
+  Reader(Host_MidiFile & ioFile, Host_Progress const & iProgress, size_t iNumBytes)
+      : mFile(ioFile),
+        mBuilder(ioFile.mClips, ioFile.mReport),
+        mJoiner(*this),
+        mProgress(iProgress),
+        mNumBytes(iNumBytes) {}
 
   void Finish() {
     mFile.mTempoChanges = SettleChanges(mTempos, kNotKept_EarlierTempo, mFile.mReport);
@@ -66,14 +70,17 @@ public:
 
   void ChannelMessage(long long iTick, unsigned char iStatus, unsigned char iData1,
                       unsigned char iData2, size_t iOffset) override {
+    TellProgress(iOffset);
     mBuilder.AddChannelMessage(ToTick(iTick), iStatus, iData1, iData2, iOffset);
   }
 
   void SysexPacket(long long iTick, unsigned char iStatus, Bytes iBytes, size_t iOffset) override {
+    TellProgress(iOffset);
     mJoiner.AddPacket(ToTick(iTick), iStatus, iBytes, iOffset);
   }
 
   void MetaEvent(long long iTick, unsigned char iType, Bytes iBytes, size_t iOffset) override {
+    TellProgress(iOffset);
     if (iType == 0x03 && !mHasName) {
       mFile.mTracks.back().mName.assign(iBytes.begin(), iBytes.end());
       mHasName = true;
@@ -118,6 +125,14 @@ public:
   }
 
 private:
+  static constexpr size_t kProgressStep = 1 << 18;
+
+  void TellProgress(size_t iOffset) {
+    if (iOffset < mNextProgress) return;
+    mNextProgress = iOffset + kProgressStep;
+    if (mProgress) mProgress(iOffset, mNumBytes);
+  }
+
   // Most messages share their tick with the one before.
   long long ToTick(long long iFileTick) {
     if (iFileTick != mFileTick) {
@@ -154,6 +169,9 @@ private:
   Host_MidiFile & mFile;
   Host_ClipBuilder mBuilder;
   Host_MidiSysexJoiner mJoiner;
+  Host_Progress const & mProgress;
+  size_t mNumBytes;
+  size_t mNextProgress = kProgressStep;
   std::vector<Found<Host_TempoChange>> mTempos;
   std::vector<Found<Host_TimeSignature>> mSignatures;
   bool mHasName = false;
@@ -202,15 +220,17 @@ void Host_MidiFile::FillTempoMap(Time_TempoMap & ioMap) const {
   }
 }
 
-Host_MidiFile Host_ReadMidiFile(std::span<unsigned char const> iBytes) {
+Host_MidiFile Host_ReadMidiFile(std::span<unsigned char const> iBytes,
+                                Host_Progress const & iProgress) {
   Host_MidiFile file;
-  Reader reader(file);
+  Reader reader(file, iProgress, iBytes.size());
   Host_ParseMidiFile(iBytes, reader);
   reader.Finish();
+  if (iProgress) iProgress(iBytes.size(), iBytes.size());
   return file;
 }
 
-Host_MidiFile Host_ReadMidiFile(std::string const & iPath) {
+Host_MidiFile Host_ReadMidiFile(std::string const & iPath, Host_Progress const & iProgress) {
   std::vector<unsigned char> const bytes = ReadBytes(iPath);
-  return Host_ReadMidiFile(std::span<unsigned char const>(bytes));
+  return Host_ReadMidiFile(std::span<unsigned char const>(bytes), iProgress);
 }

@@ -23,6 +23,7 @@
 // What is not kept is counted in the report by kind, and so is whatever could not be read.
 #pragma once
 
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -79,14 +80,21 @@ struct Host_MidiFile {
 /// kilobytes from filling memory with stores of one value each, a kilobyte or more apiece.
 constexpr int kHost_MaxStores = 65536;
 
+/// Told how far a long work is: so many of so many bytes.
+typedef std::function<void(size_t iNumDone, size_t iNumBytes)> Host_Progress;
+
 /// Reads a file from its bytes, which are not needed any more afterwards. Leaves no undo step, and
 /// neither uses nor changes the tempo map of the process. One pass; some 20 times the bytes in
 /// working memory at most, besides the chunks, whose notes take some 200 bytes each.
 /// Fails: Host_MidiFileError when it is no Standard MIDI File or its header makes no sense. Damage
 ///        further on is reported as a problem, and the rest is read. std::bad_alloc.
 /// Thread: one at a time in the process, since chunks register with the undo manager.
-Host_MidiFile Host_ReadMidiFile(std::span<unsigned char const> iBytes);
+///
+/// `iProgress`, unless empty, is told every quarter of a megabyte or so, and at the end.
+Host_MidiFile Host_ReadMidiFile(std::span<unsigned char const> iBytes,
+                                Host_Progress const & iProgress = Host_Progress());
 
 /// The same from a file of the system.
 /// Fails: also std::system_error when the file cannot be opened or read.
-Host_MidiFile Host_ReadMidiFile(std::string const & iPath);
+Host_MidiFile Host_ReadMidiFile(std::string const & iPath,
+                                Host_Progress const & iProgress = Host_Progress());

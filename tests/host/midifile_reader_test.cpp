@@ -295,4 +295,19 @@ TEST(Host_ReadMidiFile, GivesUpEarlyOnWhatIsNoMidiFile) {
   EXPECT_THROW(Host_ReadMidiFile(std::string("/dev/zero")), Host_MidiFileError);
 }
 
+TEST(Host_ReadMidiFile, TellsHowFarItIs) {
+  Bytes events;
+  for (int i = 0; i < 200000; ++i)
+    events.insert(events.end(), {0, 0xb0, 7, 1});
+  Bytes const file = File(events);
+  std::vector<size_t> told;
+  Host_ReadMidiFile(file, [&](size_t iNumDone, size_t iNumBytes) {
+    EXPECT_EQ(file.size(), iNumBytes);
+    told.push_back(iNumDone);
+  });
+  ASSERT_EQ(4u, told.size());
+  EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+  EXPECT_EQ(file.size(), told.back());
+}
+
 }  // namespace

@@ -432,6 +432,34 @@ not kept in clips: nothing
         self.assertIn("?[2J", out)
 
 
+class Progress(Tool):
+    def errors_on_a_terminal(self, num_bytes):
+        """What the tool writes to a terminal while it reads a file of at least so many bytes."""
+        sysex = b"\x00\xf0\x86\x8d\x21" + bytes(100000) + b"\xf7"
+        path = os.path.join(self.folder, "long.mid")
+        with open(path, "wb") as out:
+            out.write(header(0, 1, 480) + track(sysex * (num_bytes // len(sysex) + 1)))
+        terminal, end = os.openpty()
+        run = subprocess.run([TOOL, "info", path], stdout=subprocess.DEVNULL, stderr=end,
+                             timeout=120)
+        os.write(end, b"!")
+        os.close(end)
+        self.assertEqual(run.returncode, 0)
+        text = b""
+        while not text.endswith(b"!"):
+            text += os.read(terminal, 1000)
+        os.close(terminal)
+        return text[:-1].decode()
+
+    def test_long_work_shows_a_bar_and_takes_it_away(self):
+        text = self.errors_on_a_terminal(6 << 20)
+        self.assertIn("\r[" + "#" * 40 + "] 100%", text)
+        self.assertTrue(text.endswith("\r" + " " * 47 + "\r"))
+
+    def test_short_work_shows_none(self):
+        self.assertEqual(self.errors_on_a_terminal(1 << 20), "")
+
+
 class Demo(Tool):
     def read(self, name):
         with open(os.path.join(ROOT, "tests", "golden", name), encoding="utf-8") as lines:

@@ -8,12 +8,15 @@
 #include "foundation/time_convert.h"
 #include "tools/vrad/tool_error.h"
 #include "tools/vrad/tool_output.h"
+#include "tools/vrad/tool_progress.h"
 
 namespace {
 
 Host_MidiFile ReadFile(std::string const & iPath) {
   try {
-    return Host_ReadMidiFile(iPath);
+    Tool_ProgressBar bar;
+    return Host_ReadMidiFile(
+        iPath, [&bar](size_t iNumDone, size_t iNumBytes) { bar.Show(iNumDone, iNumBytes); });
   } catch (Host_MidiFileError const & error) {
     throw Tool_InputError(
         fmt::format("{}: offset {:#x}: {}", iPath, error.GetOffset(), error.what()));
