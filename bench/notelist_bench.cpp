@@ -1,6 +1,6 @@
 // What a note list costs beside a sorted std::vector of the same records: building, edits in the
 // middle, ranges, sounding notes, release times, snapshots. Notes follow each other by an eighth of
-// a beat; one in twenty is long.
+// a beat; one in a hundred is long.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -19,7 +19,7 @@ constexpr long long kStep = 120000;  // ticks from note to note
 
 Note MakeNote(long long iIndex) {
   std::minstd_rand random(static_cast<unsigned>(iIndex) + 1);
-  bool const isLong = random() % 20 == 0;
+  bool const isLong = random() % 100 == 0;
   long long const duration = isLong ? 15360000 + static_cast<long long>(random() % 40000000)
                                     : 30000 + static_cast<long long>(random() % 400000);
   return Note(Time_Typed(Time_Tick(iIndex * kStep)),
