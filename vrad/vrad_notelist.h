@@ -76,6 +76,43 @@ public:
   bool operator==(Vrad_NoteListBase const & iOther) const;
   void AssertInvariant() const;
 
+  // Edits of many notes at once. A list passed to itself counts as a copy of it. The long note list
+  // goes along with every edit. Fails: `std::bad_alloc`; what the edit has done so far may stand,
+  // sorted as it was, and aborting the transaction takes it back.
+
+  /// Adds the notes of another list; nothing for an empty one. Announces.
+  /// Plain form: behind this list's notes of equal time, m of them at O(min(m log n, stretch + m)).
+  /// While `gAvoidOverlapsAndDuplicates`: of two notes of one pitch that overlap the one that is
+  /// added wins, and the other gives way or is cut; the other list's notes may come out shortened.
+  /// O((n + m) log (n + m)) typically.
+  void Merge(Vrad_NoteListBase * iOther);
+  /// Removes, for each note of another list, the first of equal time and equal event. Nothing for
+  /// an empty one. Announces.
+  void Erase(Vrad_NoteListBase * iOther);
+  /// Removes the notes that start in [iStart, iEnd). Announces only if there are any.
+  /// O(log n + C).
+  void EraseTimeRange(Time_Typed iStart, Time_Typed iEnd);
+  /// Replaces the target's notes by those that start in [iStart, iEnd). Announces on the target.
+  /// O(log n + C) and a walk for the target's long notes.
+  void CopyTimeRange(Vrad_NoteListBase * iTarget, Time_Typed iStart, Time_Typed iEnd) const;
+
+  // The next four touch each note once. They do not sort again, nor review who is long.
+
+  /// Moves all notes. While tick times matter, ticks of a list that quantizes go to the coarse
+  /// grid. Announces.
+  void OffsetTimes(Time_TypedLength iLength);
+  /// Moves all starts and keeps the ends, on the grid likewise. Announces.
+  /// Fails: if any note would get shorter than 2, nothing is changed.
+  void OffsetStarts(Time_TypedLength iLength);
+  /// Lengthens or shortens all notes but those that would get shorter than 1. Announces.
+  void OffsetDurations(Time_TypedLength iLength);
+  /// One semitone down for a length of 1 or more, else one up. Announces.
+  /// Fails: if a note stands at that edge of the pitches, nothing is changed.
+  void OffsetPitches(Time_TypedLength iLength);
+
+  /// Writes start and pitch of each note to the standard output, for debugging.
+  void PrintList() const;
+
   // A note's end is its start plus its duration.
 
   /// The earliest end strictly between the two times, of notes that start before `iEnd`; else
