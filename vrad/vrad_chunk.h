@@ -4,8 +4,10 @@
 #include <list>
 #include <memory>
 #include <set>
+#include <string>
 
 #include "cmn/cmn_polyvector.h"
+#include "cmn/cmn_xmlnode.h"
 #include "foundation/sys_umid.h"
 #include "foundation/time_typed.h"
 #include "foundation/vrad_export.h"
@@ -159,6 +161,14 @@ public:
                             Vrae_ChaseTracker * iChaseTracker,
                             Vrae_ChaseTrackerMap const * iChaseTrackerMap,
                             ENoteOffInclusion iNoteOffInclusion) const;
+
+  /// The node "MIDI_Chunk": the note list's node, the number of continuous streams, the identity.
+  /// A snapshot, for inspection; never read back. O(n).
+  Cmn_XMLNodePtr GetAsXML() const;
+
+  /// The notes, the continuous values and the size of the cached list as text, for reading only.
+  /// O(n + r).
+  std::string PrintContents() const;
 
   /// Fails: throws on a chunk that is not undoable, whose stores have no identifiers.
   Ndo_State * NdoGetState() override;

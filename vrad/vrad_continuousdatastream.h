@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "foundation/time_typed.h"
 #include "foundation/vrad_export.h"
@@ -114,6 +115,9 @@ public:
                             Time_TypedLength iOffset, Time_Typed iMinTime, Time_EType iTimeType,
                             Vrad_IRTProperties const * iPropertiesP, bool iExtendedFlag,
                             int iExtendedIndex) const;
+
+  /// A heading and a line for each segment, for reading only. O(r).
+  std::string PrintContents() const;
 
   /// Fails: throws for a stream that is not undoable, whose data has no identifier.
   Ndo_State * NdoGetState() override;

@@ -2,9 +2,11 @@
 // through which all reading goes.
 #pragma once
 
+#include <string>
 #include <utility>
 
 #include "cmn/cmn_chunkyvector.h"
+#include "cmn/cmn_xmlnode.h"
 #include "foundation/time_typed.h"
 #include "foundation/vrad_export.h"
 #include "ndo/ndo_object.h"
@@ -113,6 +115,10 @@ public:
   /// Writes start and pitch of each note to the standard output, for debugging.
   void PrintList() const;
 
+  /// The node "NoteList": "nNumNotes", then a "Note" for each note in order, muted ones too, which
+  /// nothing marks. O(n).
+  Cmn_XMLNodePtr GetAsXML() const;
+
   // A note's end is its start plus its duration.
 
   /// The earliest end strictly between the two times, of notes that start before `iEnd`; else
@@ -144,6 +150,7 @@ protected:
                        Time_SampleLength iSamples);
 
 private:
+  friend class Vrad_Chunk;
   friend class Vrad_NoteListBase_NdoState;
 
   typedef Cmn_ChunkyPODVector<Vrad_NoteListBase_Note> Notes;
@@ -159,6 +166,7 @@ private:
   void ShareLongNoteList(Ndo_Ptr<Vrad_NoteListBase> const & iListP);
   Time_Typed SplitTime(Time_Typed iTime) const;
   static Vrad_NoteWithDurationExtendedEvent ToExtendedEvent(Vrad_NoteListBase_Note const & iNote);
+  std::string PrintNotes() const;
 
   template <class TNoteFound>
   void WalkEndsBefore(Time_Typed iEnd, int iFirst, TNoteFound iFound) const;
