@@ -26,6 +26,7 @@
 class Vrad_Chunk;
 class Vrae_ChaseTracker;
 class Vrae_ChaseTrackerMap;
+class Vrae_TrackState;
 
 /// Whether a retrieval adds a marker of kind 0 at a release of the notes in range. Every value
 /// beyond 1 asks for the last one.
@@ -161,6 +162,29 @@ public:
                             Vrae_ChaseTracker * iChaseTracker,
                             Vrae_ChaseTrackerMap const * iChaseTrackerMap,
                             ENoteOffInclusion iNoteOffInclusion) const;
+
+  // What a receiver would be left with had it played the chunk from its beginning. Nothing here
+  // takes from the heap.
+
+  /// Feeds the tracker, for each stream, the last value at or before `iFirst`, unless it is older
+  /// than `iSecond` or the tracker holds a later one. Times are told to it as stored.
+  /// O(s log r) for s streams of r values.
+  void AddChaseStateAtTime(Vrae_ChaseTracker * ioTracker, Time_Typed iFirst,
+                           Time_Typed iSecond) const;
+
+  /// The same, in a tracker that is cleared first.
+  void GetChaseStateAtTime(Vrae_ChaseTracker * ioTracker, Time_Typed iFirst,
+                           Time_Typed iSecond) const;
+
+  /// Hands the track state the notes that sound at `iSustainStart`, started strictly before it and
+  /// ending strictly after it, as far as they start in [iRangeStart, iRangeEnd). These are stored
+  /// times; `iOffset` is added to what is handed on. With `iClipDuration` a note that would end
+  /// after `iRangeEnd` ends there. Muted notes are handed on, too.
+  /// Fails: a record that is no note is reported when its length is clipped.
+  /// O(log n + f C) for f notes found in a list whose chunks hold C.
+  void AddNoteStateAtTime(Vrae_TrackState * ioTrackState, Time_Typed iSustainStart,
+                          Time_Typed iRangeStart, Time_Typed iRangeEnd, Time_TypedLength iOffset,
+                          bool iClipDuration) const;
 
   /// The node "MIDI_Chunk": the note list's node, the number of continuous streams, the identity.
   /// A snapshot, for inspection; never read back. O(n).
