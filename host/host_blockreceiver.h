@@ -5,12 +5,13 @@
 
 /// One MIDI message as it leaves a player, the channel merged into its status byte.
 struct Host_WireMessage {
-  int mClip;                    // the number that the clip was added under
-  int mOffset;                  // samples from the block's start
-  unsigned char const * mData;  // whole messages, a sysex from its 0xF0 to its 0xF7. Lives: the call
-  int mLength;                  // bytes, at least 1
-  Time_Typed mTime;             // where the message stands in its clip: of an event as it is stored,
-                                // of a note-off its note's end, of all else the position
+  int mClip;    // the number that the clip was added under
+  int mOffset;  // samples from the block's start
+  unsigned char const *
+      mData;         // whole messages, a sysex from its 0xF0 to its 0xF7. Lives: the call
+  int mLength;       // bytes, at least 1
+  Time_Typed mTime;  // where the message stands in its clip: of an event as it is stored,
+                     // of a note-off its note's end, of all else the position
 };
 
 /// Takes what a player sends, block after block. Within a block offsets never fall.

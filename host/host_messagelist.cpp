@@ -17,8 +17,8 @@ void Host_MessageList::ReceiveMessage(Host_WireMessage const & iMessage) {
     ++mNumLost;
     return;
   }
-  mMessages.push_back({mNumBlocks, iMessage.mClip, iMessage.mOffset,
-                       mNumSamples + iMessage.mOffset, iMessage.mTime, mBytes.size(), length});
+  mMessages.push_back({mNumBlocks, iMessage.mClip, iMessage.mOffset, mNumSamples + iMessage.mOffset,
+                       iMessage.mTime, mBytes.size(), length});
   mBytes.insert(mBytes.end(), iMessage.mData, iMessage.mData + iMessage.mLength);
 }
 

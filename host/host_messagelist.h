@@ -14,7 +14,7 @@
 class Host_MessageList : public Host_BlockReceiver {
 public:
   struct Message {
-    int mBlock;              // from 0
+    int mBlock;  // from 0
     int mClip;
     int mOffset;             // samples from the block's start
     long long mSample;       // from the start of the first block
