@@ -50,6 +50,22 @@ TEST(Vrae_NoteInProgress, CopiesAllFiveFields) {
   EXPECT_EQ(&next, moved.mNextP);
 }
 
+TEST(Vrae_NoteInProgress, AssignsAllFiveFieldsByMoving) {
+  Vrae_NoteInProgress next, nip, target;
+  nip.mPitch = 60;
+  nip.mOnVelocity = 1;
+  nip.mOffVelocity = 2;
+  nip.mReleaseTime = Time_Sample(3);
+  nip.mNextP = &next;
+  target = std::move(nip);
+  EXPECT_EQ(60, target.mPitch);
+  EXPECT_EQ(1, target.mOnVelocity);
+  EXPECT_EQ(2, target.mOffVelocity);
+  EXPECT_EQ(3, target.mReleaseTime.AsInt64());
+  EXPECT_EQ(Time_eType_Samples, target.mReleaseTime.GetType());
+  EXPECT_EQ(&next, target.mNextP);
+}
+
 TEST(Vrae_NoteInProgress_Alloc, TakesANodeFromThePoolWithItsTimeSet) {
   NoteInProgressPool const pool;
   Vrae_NoteInProgress * const nip = Vrae_NoteInProgress::Alloc();
@@ -67,6 +83,16 @@ TEST(Vrae_NoteInProgress_Alloc, IsNullWhenThePoolIsExhausted) {
   Cmn_AssertRecorder recorder;
   EXPECT_EQ(nullptr, Vrae_NoteInProgress::Alloc());
   EXPECT_EQ(0, recorder.GetNum());
+}
+
+TEST(Vrae_NoteInProgress_Alloc, TracesANullPointerWhenThePoolIsExhausted) {
+  NoteInProgressPool pool;
+  pool.mAllocator.FailAfter(0);
+  LumTraceRecorder trace;
+  EXPECT_EQ(nullptr, Vrae_NoteInProgress::Alloc());
+  EXPECT_EQ((Lines{{0x2000F27, "Vrae_NoteInProgress alloc " + AddressOf(nullptr) + " " +
+                                   std::to_string(sizeof(Vrae_NoteInProgress))}}),
+            trace.GetLines());
 }
 
 TEST(Vrae_NoteInProgress_Alloc, WithoutAPoolReportsTracesAndIsNull) {
@@ -104,4 +130,10 @@ TEST(Vrae_NoteInProgress_Alloc, IsNotTracedForAnInactiveFacility) {
 TEST(Vrae_NoteInProgress_Alloc, TakesNothingFromTheHeap) {
   NoteInProgressPool const pool;
   EXPECT_EQ("", RealtimeViolationsOf([] { Vrae_NoteInProgress::Alloc()->Free(); }));
+}
+
+TEST(Vrae_NoteInProgress_Alloc, TakesNothingFromTheHeapWhenThePoolIsExhausted) {
+  NoteInProgressPool pool;
+  pool.mAllocator.FailAfter(0);
+  EXPECT_EQ("", RealtimeViolationsOf([] { EXPECT_EQ(nullptr, Vrae_NoteInProgress::Alloc()); }));
 }

@@ -10,7 +10,6 @@
 #include "cmn/cmn_assert.h"
 #include "foundation/lumtrace.h"
 #include "support/notes_in_progress.h"
-#include "support/realtime_scope.h"
 #include "support/throwing_off.h"
 #include "vrad/vrae_traceutil.h"
 
@@ -49,7 +48,6 @@ typedef State Vrae_TrackState_ReceiveTimed;
 typedef State Vrae_TrackState_Filter;
 typedef State Vrae_TrackState_Copies;
 typedef State Vrae_TrackState_Trace;
-typedef State Vrae_TrackState_RealTime;
 
 }  // namespace
 
@@ -122,6 +120,20 @@ TEST_F(Vrae_TrackState_List, OffsetTimesMovesBackAndKeepsTheOrder) {
   EXPECT_EQ("61@-900t 60@-700t", PrintNotes(mState));
 }
 
+TEST_F(Vrae_TrackState_List, OffsetTimesOfAnEmptyListDoesNothing) {
+  mState.OffsetTimes(Time_TickLength(50));
+  EXPECT_EQ(nullptr, mState.NextNoteOff());
+}
+
+TEST_F(Vrae_TrackState_List, OffsetTimesDoesNotSortTimesOfMixedUnitsAgain) {
+  mState.ReceiveEvent(TimedNote(0, 60, 42));
+  mState.ReceiveEvent(Vrae_TimedEvent(
+      Time_Sample(0), Vrae_NoteWithDurationEvent(61, Time_SampleLength(2), 80, 64)));
+  ASSERT_EQ("60@42t 61@2s", PrintNotes(mState));
+  mState.OffsetTimes(Time_TickLength(39));  // 39 ticks don't make a sample
+  EXPECT_EQ("60@81t 61@2s", PrintNotes(mState));
+}
+
 // ---- Untimed events ----
 
 TEST_F(Vrae_TrackState_ReceiveUntimed, ANoteOnEndsAtSampleOneAheadOfTrueTimes) {
@@ -137,6 +149,29 @@ TEST_F(Vrae_TrackState_ReceiveUntimed, ANoteOffOfThePitchLeavesTheListEmpty) {
   mState.ReceiveEvent(Vrae_NoteOffEvent(60, 0));
   EXPECT_EQ("", PrintNotes(mState));
   EXPECT_EQ(0, GetNumNodes());
+}
+
+TEST_F(Vrae_TrackState_ReceiveUntimed, TheNoteOnThatCameLastStandsFirst) {
+  mState.ReceiveEvent(Vrae_NoteOnEvent(60, 90));
+  mState.ReceiveEvent(Vrae_NoteOnEvent(61, 90));
+  EXPECT_EQ("61@1s 60@1s", PrintNotes(mState));
+}
+
+TEST_F(Vrae_TrackState_ReceiveUntimed, ANoteOffRemovesTheNoteThatEndsFirst) {
+  mState.ReceiveEvent(TimedNote(0, 60, 300));
+  mState.ReceiveEvent(TimedNote(0, 60, 100));
+  mState.ReceiveEvent(TimedNote(0, 61, 50));
+  mState.ReceiveEvent(Vrae_NoteOffEvent(60, 0));
+  EXPECT_EQ("61@50t 60@300t", PrintNotes(mState));
+  EXPECT_EQ(2, GetNumNodes());
+}
+
+TEST_F(Vrae_TrackState_ReceiveUntimed, ANoteOffLeavesTheOtherOfTwoEqualNotes) {
+  mState.ReceiveEvent(Vrae_NoteOnEvent(60, 90));
+  mState.ReceiveEvent(Vrae_NoteOnEvent(60, 91));
+  mState.ReceiveEvent(Vrae_NoteOffEvent(60, 0));
+  ASSERT_EQ("60@1s", PrintNotes(mState));
+  EXPECT_EQ(90, mState.NextNoteOff()->mOnVelocity);
 }
 
 TEST_F(Vrae_TrackState_ReceiveUntimed, AnUnmatchedNoteOffIsNoFailure) {
@@ -195,6 +230,13 @@ TEST_F(Vrae_TrackState_ReceiveTimed, ANoteOffRemovesTheNoteThatEndsFirst) {
   EXPECT_EQ("61@50t 60@300t", PrintNotes(mState));
 }
 
+TEST_F(Vrae_TrackState_ReceiveTimed, AnUnmatchedNoteOffOrClearIsNoFailure) {
+  mState.ReceiveEvent(At(0, Vrae_NoteOffEvent(60, 0)));
+  mState.ReceiveEvent(At(0, Vrae_ClearNoteInProgressEvent(60, Time_TickLength(5), 1, 1)));
+  EXPECT_EQ("", PrintNotes(mState));
+  EXPECT_EQ(0, mRecorder.GetNum());
+}
+
 TEST_F(Vrae_TrackState_ReceiveTimed, AddNoteInProgressAdds) {
   mState.ReceiveEvent(At(10, Vrae_AddNoteInProgressEvent(60, Time_TickLength(5), 1, 2)));
   EXPECT_EQ("60@15t", PrintNotes(mState));
@@ -216,6 +258,20 @@ TEST_F(Vrae_TrackState_ReceiveTimed, ClearNoteInProgressComparesAllFields) {
   mState.ReceiveEvent(At(0, Vrae_ClearNoteInProgressEvent(60, length, 80, 65)));
   EXPECT_EQ("60@100t", PrintNotes(mState));
   EXPECT_EQ(0, mRecorder.GetNum());
+}
+
+TEST_F(Vrae_TrackState_ReceiveTimed, ClearNoteInProgressMeetsAnEndAtTheSameInstantInAnotherUnit) {
+  mState.ReceiveEvent(TimedNote(0, 60, 400, 80, 64));
+  mState.ReceiveEvent(Vrae_TimedEvent(
+      Time_Sample(4), Vrae_ClearNoteInProgressEvent(60, Time_SampleLength(6), 80, 64)));
+  EXPECT_EQ("", PrintNotes(mState));
+}
+
+TEST_F(Vrae_TrackState_ReceiveTimed, ClearNoteInProgressTakesOneOfTwoNotesThatAreAlike) {
+  mState.ReceiveEvent(TimedNote(0, 60, 100, 80, 64));
+  mState.ReceiveEvent(TimedNote(50, 60, 50, 80, 64));
+  mState.ReceiveEvent(At(0, Vrae_ClearNoteInProgressEvent(60, Time_TickLength(100), 80, 64)));
+  EXPECT_EQ("60@100t", PrintNotes(mState));
 }
 
 TEST_F(Vrae_TrackState_ReceiveTimed, OtherKindsAreIgnored) {
@@ -262,6 +318,14 @@ TEST_F(Vrae_TrackState_Filter, OfAnEmptyListAsksNothing) {
   PitchFilter const filter([](int) { return true; });
   mState.FilterNotesInProgress(filter);
   EXPECT_EQ(0, filter.mNumCalls);
+}
+
+TEST_F(Vrae_TrackState_Filter, TakesEqualEndsAsOrdered) {
+  mState.ReceiveEvent(TimedNote(0, 60, 100));
+  mState.ReceiveEvent(TimedNote(0, 61, 100));
+  mState.FilterNotesInProgress(PitchFilter([](int) { return true; }));
+  EXPECT_EQ("61@100t 60@100t", PrintNotes(mState));
+  EXPECT_EQ(0, mRecorder.GetNum());
 }
 
 namespace {
@@ -324,31 +388,11 @@ TEST_F(Vrae_TrackState_Copies, AssignmentToItselfEmptiesTheState) {
   EXPECT_EQ("", PrintNotes(mState));
 }
 
-TEST_F(Vrae_TrackState_Copies, WithoutMemoryTheLastNodePointsIntoTheSource) {
+TEST_F(Vrae_TrackState_Copies, AssignmentOfAnEmptyStateEmpties) {
   mState.ReceiveEvent(TimedNote(0, 60, 100));
-  mState.ReceiveEvent(TimedNote(0, 61, 200));
-  mState.ReceiveEvent(TimedNote(0, 62, 300));
-  {
-    Vrae_TrackState target;
-    mPool.mAllocator.FailAfter(1);
-    target = mState;
-    ASSERT_EQ(1, mRecorder.GetNum("newNIP"));
-    EXPECT_FALSE(mRecorder.GetEntries()[0].mThrowing);
-    EXPECT_NE(mState.NextNoteOff(), target.NextNoteOff());
-    EXPECT_EQ(mState.NextNoteOff()->mNextP, target.NextNoteOff()->mNextP);
-  }
-  // The target took the source's nodes with it; freeing them again is counted and ignored.
-  EXPECT_EQ(1, GetNumNodes());
-  mState.Clear();
-  EXPECT_EQ(2, mPool.mAllocator.GetNumBadFrees());
-}
-
-TEST_F(Vrae_TrackState_Copies, WithoutAnyMemoryAreEmpty) {
-  mState.ReceiveEvent(TimedNote(0, 60, 100));
-  mPool.mAllocator.FailAfter(0);
-  Vrae_TrackState const copy(mState);
-  EXPECT_EQ("", PrintNotes(copy));
-  EXPECT_EQ(1, mRecorder.GetNum("newNIP"));
+  mState = Vrae_TrackState();
+  EXPECT_EQ("", PrintNotes(mState));
+  EXPECT_EQ(0, GetNumNodes());
 }
 
 // ---- Trace ----
@@ -381,6 +425,15 @@ TEST_F(Vrae_TrackState_Trace, NamesTheStateAndThePitch) {
             lines);
 }
 
+TEST_F(Vrae_TrackState_Trace, SaysNothingOfWhatIsRefusedOrIgnored) {
+  LumTraceRecorder trace;
+  mState.ReceiveEvent(At(0, Vrae_NoteOnEvent(60, 90)));
+  mState.ReceiveEvent(
+      At(0, Vrae_PitchToMIDINoteWithDuration(60, Time_TickLength(5), 80, 64, 0.5f)));
+  mState.ReceiveEvent(TimedNote(0, 61, 100).mEvent);
+  EXPECT_EQ(Lines(), trace.GetLines());
+}
+
 TEST_F(Vrae_TrackState_Trace, AsksWithTheFacilityOfAllocations) {
   LumTraceRecorder trace;
   trace.SetActive(0x2000F27, false);
@@ -402,17 +455,20 @@ TEST_F(Vrae_TrackState_Trace, PrintTrackStateWritesALineForEachNote) {
   EXPECT_EQ("Begin Vrae_TrackState:\n\t(61, 90, 64, 1)\n\t(60, 81, 33, 300)\n", stream.str());
 }
 
-TEST_F(Vrae_TrackState_RealTime, TakesNothingFromTheHeap) {
-  EXPECT_EQ("", RealtimeViolationsOf([&] {
-              mState.ReceiveEvent(TimedNote(0, 60, 300));
-              mState.ReceiveEvent(Vrae_NoteOnEvent(61, 90));
-              mState.ReceiveEvent(
-                  At(0, Vrae_ClearNoteInProgressEvent(61, Time_TickLength(9), 80, 64)));
-              Vrae_TrackState copy(mState);
-              copy = mState;
-              copy.OffsetTimes(Time_TickLength(5));
-              copy.FilterNotesInProgress(PitchFilter([](int iPitch) { return iPitch == 60; }));
-              mState.ReceiveEvent(Vrae_NoteOffEvent(61, 0));
-              mState.PopNoteOff();
-            }));
+TEST_F(Vrae_TrackState_Trace, PrintTrackStateOfAnEmptyStateOpensOnly) {
+  std::ostringstream stream;
+  Vrae_TraceUtil::PrintTrackState(&mState, stream);
+  EXPECT_EQ("Begin Vrae_TrackState:\n", stream.str());
+}
+
+TEST_F(Vrae_TrackState_Trace, PrintTrackStateWritesTheRawCountOfAnyTime) {
+  mState.ReceiveEvent(TimedNote(-1000, 60, 100));
+  mState.ReceiveEvent(TimedNote(5000000000, 127, 1, 127, 0));
+  std::ostringstream stream;
+  stream << "before ";
+  Vrae_TraceUtil::PrintTrackState(&mState, stream);
+  EXPECT_EQ("before Begin Vrae_TrackState:\n\t(60, 80, 64, -900)\n"
+            "\t(127, 127, 0, 5000000001)\n",
+            stream.str());
+  EXPECT_EQ("60@-900t 127@5000000001t", PrintNotes(mState));
 }
