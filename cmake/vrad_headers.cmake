@@ -27,6 +27,7 @@ set(VRAD_HEADERS
   ndo/ndo_stateref.h
   vrad/vrad.h
   vrad/vrad_chunk.h
+  vrad/vrad_chunkref.h
   vrad/vrad_continuousdata.h
   vrad/vrad_continuousdatastream.h
   vrad/vrad_eventstream.h
@@ -35,6 +36,7 @@ set(VRAD_HEADERS
   vrad/vrad_init.h
   vrad/vrad_n10n.h
   vrad/vrad_notelist.h
+  vrad/vrad_scrub.h
   vrad/vrad_version.h
   vrad/vrae_chasetracker.h
   vrad/vrae_chasetrackermap.h

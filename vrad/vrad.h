@@ -3,6 +3,7 @@
 
 #include "foundation/foundation.h"
 #include "vrad/vrad_chunk.h"
+#include "vrad/vrad_chunkref.h"
 #include "vrad/vrad_continuousdata.h"
 #include "vrad/vrad_continuousdatastream.h"
 #include "vrad/vrad_eventstream.h"
@@ -11,6 +12,7 @@
 #include "vrad/vrad_init.h"
 #include "vrad/vrad_n10n.h"
 #include "vrad/vrad_notelist.h"
+#include "vrad/vrad_scrub.h"
 #include "vrad/vrad_version.h"
 #include "vrad/vrae_chasetracker.h"
 #include "vrad/vrae_chasetrackermap.h"

@@ -110,6 +110,43 @@ public:
   /// unchanged and the list gets `NdoDelete`.
   void SetNoteList(Ndo_AutoPtr<Vrad_NoteListBase> iNoteListP);
 
+  // Edits of many events. Each goes store by store and drops the cached list at its end. A chunk
+  // given to itself acts as if it had been copied first.
+
+  /// Merges in the source's events of [iStart, iEnd), moved by the offset. The mode says what the
+  /// offset moves in notes; with any mode but times the other events come at their own times. While
+  /// tick times matter and the range is in ticks, an offset of 0 is applied to notes too and brings
+  /// them onto the grid.
+  /// Fails: an unknown mode acts as times; where the notes are moved it is reported.
+  void AddEventsFromChunk(Vrad_Chunk const * iSrc, Time_Typed iStart, Time_Typed iEnd,
+                          Time_TypedLength iOffset, EMidiNudgeMode iMode);
+
+  /// Removes what equals the source's events of [iStart, iEnd), moved by the offset: of notes and
+  /// sysex one for each, of continuous values what stands at their times. A stream left empty goes.
+  void EraseEventsFromChunk(Vrad_Chunk const * iSrc, Time_Typed iStart, Time_Typed iEnd,
+                            Time_TypedLength iOffset);
+
+  /// Removes what starts in [iStart, iEnd), and sysex at `iEnd`, too. Empty streams go.
+  void EraseRange(Time_Typed iStart, Time_Typed iEnd);
+
+  /// Removes [iStart, iEnd) from the stream of the sub-stream, on purpose from the next one above
+  /// it if there is none. A stream left empty goes. Fails: a null sub-stream throws.
+  void EraseSubStream(Vrae_SubStream const & iSubStream, Time_Typed iStart, Time_Typed iEnd);
+
+  /// Remembers where a clip begins or ends, a raw count, for the two operations below. Not undone,
+  /// not saved.
+  void AddClipBoundary(long long iBoundary);
+
+  /// Moves all notes before their time by the length and down to the coarse tick grid, so that a
+  /// note near a clip boundary stays on its side of it; none comes before tick -1. Times are in
+  /// ticks afterwards. O(n log b) for b boundaries.
+  void MoveNotesForLegacyPlayback(Time_TypedLength iLength);
+
+  /// The one-time shift for playback in tick time: the first call moves all events by the length,
+  /// the notes as `MoveNotesForLegacyPlayback` if there are clip boundaries; all others do nothing.
+  /// Of this, undo restores the notes alone.
+  void QuantizeEventsForTTM(Time_TypedLength iLength);
+
   /// Sets the places of the controllers that have a stream. Needs: 128 places, which are not
   /// cleared first.
   void FindMIDIControllersInUse(bool * ioUsed) const;
@@ -218,6 +255,7 @@ private:
   Vrad_ContinuousDataStream * FindContinuousStream(Vrae_SubStream const & iSubStream) const;
   Vrad_ContinuousDataStream * FindOrCreateContinuousStream(Vrae_SubStream const & iSubStream);
   void RemoveStreamIfEmpty(size_t iPlace);
+  void EraseStreamRange(size_t iPlace, Time_Typed iStart, Time_Typed iEnd);
   void ReplaceStreams(Vrad_Chunk const & iSrc);
   void DropSortedEventList();
 
