@@ -3,17 +3,16 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <type_traits>
 #include <utility>
+
+#include "foundation/sys_littleendian.h"
 
 namespace {
 
 template <class T>
 void WriteLittleEndian(Sys_TypedOutStream & iStream, T iValue) {
   unsigned char bytes[sizeof(T)];
-  auto const bits = static_cast<std::make_unsigned_t<T>>(iValue);
-  for (size_t i = 0; i < sizeof(T); ++i)
-    bytes[i] = static_cast<unsigned char>(bits >> (8 * i));
+  Sys_StoreLittleEndian(bytes, iValue);
   iStream.WriteBlock(bytes, sizeof(T));
 }
 
@@ -21,10 +20,7 @@ template <class T>
 void ReadLittleEndian(Sys_TypedInStream & iStream, T * oValue) {
   unsigned char bytes[sizeof(T)];
   iStream.ReadBlock(bytes, sizeof(T));
-  unsigned long long bits = 0;
-  for (size_t i = 0; i < sizeof(T); ++i)
-    bits |= static_cast<unsigned long long>(bytes[i]) << (8 * i);
-  *oValue = static_cast<T>(bits);
+  *oValue = Sys_LoadLittleEndian<T>(bytes);
 }
 
 }  // namespace

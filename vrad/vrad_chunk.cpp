@@ -236,12 +236,16 @@ Vrad_Chunk::FindOrCreateContinuousStream(Vrae_SubStream const & iSubStream) {
   size_t const place = FindPlace(index);
   if (IsStreamAt(place, index)) return mContinuousList[place].Get();
 
-  Ndo_AutoPtr<Vrad_ContinuousDataStream> streamP(
-      new Vrad_ContinuousDataStream(iSubStream, UndoFlag(), mQuantizeContents));
+  return InsertStream(place, Ndo_AutoPtr<Vrad_ContinuousDataStream>(new Vrad_ContinuousDataStream(
+                                 iSubStream, UndoFlag(), mQuantizeContents)));
+}
+
+Vrad_ContinuousDataStream *
+Vrad_Chunk::InsertStream(size_t iPlace, Ndo_AutoPtr<Vrad_ContinuousDataStream> iStreamP) {
   NdoAboutToModify();
-  mContinuousList.insert(mContinuousList.begin() + place,
-                         Ndo_Ptr<Vrad_ContinuousDataStream>(streamP.Get()));
-  return streamP.Release();
+  mContinuousList.insert(mContinuousList.begin() + iPlace,
+                         Ndo_Ptr<Vrad_ContinuousDataStream>(iStreamP.Get()));
+  return iStreamP.Release();
 }
 
 void Vrad_Chunk::RemoveStreamIfEmpty(size_t iPlace) {

@@ -23,6 +23,9 @@
 #include "vrad/vrae_substream.h"
 #include "vrad/vrae_timedevent.h"
 
+class Sys_StdStreamHeaderReader;
+class Sys_TypedInStream;
+class Sys_TypedOutStream;
 class Vrad_Chunk;
 class Vrae_ChaseTracker;
 class Vrae_ChaseTrackerMap;
@@ -80,6 +83,18 @@ public:
   /// Empty, with an identity of its own, local. The caller owns it. `iQuantizeContents`: while tick
   /// times matter, what is added in ticks goes to the coarse tick grid.
   static Vrad_Chunk * New(Ndo_Object::EUndoFlag iUndoFlag, bool iQuantizeContents);
+
+  /// A chunk read from its record. The caller owns it. A record of before chunks had identities
+  /// gives `Sys_Umid::NoID()`. Damage inside the record is reported in the throwing form, which is
+  /// caught here: "Vrad_Chunk::StreamIn exception: " and what is wrong. The chunk then holds what
+  /// was read up to there, and the stream stands behind the record all the same.
+  /// Fails: `Sys_StreamException` where no chunk's record begins, or not of this version.
+  static Vrad_Chunk * StreamIn(Sys_TypedInStream & ioStream, Ndo_Object::EUndoFlag iUndoFlag,
+                               bool iQuantizeContents);
+
+  /// Writes the chunk's record. Whether it quantizes, its clip boundaries and the cached list are
+  /// not saved. Fails: throws without a note list, with nothing written; as its stores do.
+  void StreamOut(Sys_TypedOutStream & ioStream) const;
 
   ~Vrad_Chunk() override;
   Vrad_Chunk(Vrad_Chunk const &) = delete;
@@ -254,10 +269,15 @@ private:
   bool IsStreamAt(size_t iPlace, int iIndex) const;
   Vrad_ContinuousDataStream * FindContinuousStream(Vrae_SubStream const & iSubStream) const;
   Vrad_ContinuousDataStream * FindOrCreateContinuousStream(Vrae_SubStream const & iSubStream);
+  Vrad_ContinuousDataStream * InsertStream(size_t iPlace,
+                                           Ndo_AutoPtr<Vrad_ContinuousDataStream> iStreamP);
   void RemoveStreamIfEmpty(size_t iPlace);
   void EraseStreamRange(size_t iPlace, Time_Typed iStart, Time_Typed iEnd);
   void ReplaceStreams(Vrad_Chunk const & iSrc);
   void DropSortedEventList();
+
+  void ReadContents(Sys_TypedInStream & ioStream, Sys_StdStreamHeaderReader & ioHeader);
+  void ReadStreams(Sys_TypedInStream & ioStream);
 
   void StoreEvent(Vrad_ExtendedEvent const & iEvent);
 

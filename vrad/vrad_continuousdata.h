@@ -11,6 +11,8 @@
 #include "vrad/vrae_substream.h"
 #include "vrad/vrae_timedevent.h"
 
+class Sys_TypedInStream;
+class Sys_TypedOutStream;
 class Vrad_ContinuousData;
 
 /// A value that holds from its time on.
@@ -111,6 +113,10 @@ public:
   /// Takes over the source's segments and its snapping. O(1).
   void ReplaceData(Vrad_ContinuousData const * iSourceP);
 
+  /// Writes the data's record. Fails: throws where a count falls below the one before it, or the
+  /// first below 0; units are not looked at. Part of the record is then written.
+  void StreamOut(Sys_TypedOutStream & ioStream) const;
+
   /// O(1): the segments are shared until either side changes.
   Ndo_State * NdoGetState() override;
 
@@ -142,6 +148,8 @@ private:
                    int * oIndex) const;
   void BeginEdit();
   void EndEdit();
+  void StreamIn(Sys_TypedInStream & ioStream);
+  void ReadSegments(Sys_TypedInStream & ioStream);
   void SetSegments(Segments const & iSegments);
   void TakeContents(Vrad_ContinuousData const & iSource);
 

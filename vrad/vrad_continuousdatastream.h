@@ -16,6 +16,8 @@
 #include "vrad/vrae_substream.h"
 #include "vrad/vrae_timedevent.h"
 
+class Sys_TypedInStream;
+class Sys_TypedOutStream;
 class Vrad_ContinuousDataStream;
 class Vrae_ChaseTracker;
 class Vrae_ChaseTrackerMap;
@@ -50,6 +52,12 @@ public:
   Vrad_ContinuousDataStream(Vrae_SubStream const & iSubStream, Ndo_Object::EUndoFlag iUndoFlag,
                             bool iSnapToCoarseTicks);
 
+  /// Reads its record: sub-stream and data. Announces nothing.
+  /// Fails: throws string 100 for a negative count and for a count of time below the one before it,
+  /// or below 0; what `Vrae_SubStream::StreamIn` throws; `Sys_StreamException`.
+  Vrad_ContinuousDataStream(Sys_TypedInStream & ioStream, Ndo_Object::EUndoFlag iUndoFlag,
+                            bool iSnapToCoarseTicks);
+
   /// The same contents, in data of its own.
   Vrad_ContinuousDataStream(Vrad_ContinuousDataStream const & iOther);
   Vrad_ContinuousDataStream & operator=(Vrad_ContinuousDataStream const &) = delete;
@@ -68,6 +76,9 @@ public:
   void OffsetTimes(Time_TypedLength iLength);
   void ReplaceData(Vrad_ContinuousDataStream const * iSourceP);
   bool GetLastValueChangeBeforeTime(Time_Typed * oTimeP, int * oValueP, Time_Typed iTime) const;
+
+  /// Writes the stream's record. Fails: as writing its sub-stream and `Vrad_ContinuousData` do.
+  void StreamOut(Sys_TypedOutStream & ioStream) const;
 
   /// Adds the event's value at its time.
   /// Fails: an event of another kind is reported and read all the same.

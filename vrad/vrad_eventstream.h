@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <memory>
 
-#include "cmn/cmn_polyvector.h"
 #include "foundation/time_typed.h"
 #include "foundation/vrad_export.h"
 #include "ndo/ndo_object.h"
@@ -12,6 +11,8 @@
 #include "vrad/vrad_extendedeventlist.h"
 #include "vrad/vrae_timedevent.h"
 
+class Sys_TypedInStream;
+class Sys_TypedOutStream;
 class Vrad_EventStream;
 
 /// A snapshot of an event stream. Comes from `Vrad_EventStream::NdoGetState` alone.
@@ -27,7 +28,7 @@ public:
 private:
   friend class Vrad_EventStream;
 
-  typedef Cmn_PolyVector<Vrae_TimedEvent, 0> Events;
+  typedef Vrae_TimedEventList Events;
 
   Vrad_EventStream_NdoState(bool iSnapToCoarseTicks, std::shared_ptr<Events> const & iEventsP);
 
@@ -82,6 +83,13 @@ public:
 
   /// Takes over the source's events, not its snapping. O(1).
   void ReplaceData(Vrad_EventStream const * iSourceP);
+
+  /// Writes the stream's record. Fails: as `Vrae_TimedEventList::StreamOut`.
+  void StreamOut(Sys_TypedOutStream & ioStream) const;
+
+  /// Replaces the events by those of a record, in its order. Always announces, and first.
+  /// Fails: as `Vrae_TimedEventList::StreamIn`; a wrong record leaves the events as they were.
+  void StreamIn(Sys_TypedInStream & ioStream);
 
   unsigned long long Size() const { return mEventsP->size(); }
 

@@ -16,6 +16,9 @@
 #include "vrad/vrae_event.h"
 #include "vrad/vrae_timedevent.h"
 
+class Sys_TypedInStream;
+class Sys_TypedOutStream;
+
 /// Whether merging treats overlapping notes of one pitch instead of keeping all. False at start.
 extern VRAD_EXPORT bool gAvoidOverlapsAndDuplicates;
 
@@ -65,6 +68,16 @@ public:
   /// Takes the notes of another list. The long note list takes those of the other's if both
   /// thresholds agree, and is made anew otherwise. Announces. O(1) when the thresholds agree.
   void ReplaceData(Vrad_NoteListBase const * iOther);
+
+  /// Writes the list's record. The long note list, thresholds and quantizing are not saved, nor is
+  /// a fractional pitch.
+  void StreamOut(Sys_TypedOutStream & ioStream) const;
+  /// Clears the list, then reads a record of any version into it, in the record's order. A duration
+  /// of 0 is reported and repaired: 1000 ticks or 1 sample.
+  /// Fails: throws string 100 for a negative count and for pitch, velocities or duration out of
+  /// range, an on velocity of 0 after `Vrad_N10n_MIDIZeroOnVelocitiesFound` was sent;
+  /// `Sys_StreamException`. The notes read so far stay.
+  void StreamIn(Sys_TypedInStream & ioStream);
 
   unsigned long long Size() const;
   /// Tick 0 if the list is empty.
@@ -159,6 +172,9 @@ private:
   void ChangeNote(iterator iIter, Vrae_NoteWithDurationEvent const & iNew);
   std::pair<bool, iterator> FindNote(Time_Typed iTime,
                                      Vrae_NoteWithDurationEvent const & iEvent) const;
+  void ReadNotes(Sys_TypedInStream & ioStream, int iNum, int iVersion);
+  void ReadOriginals(Sys_TypedInStream & ioStream, int iNum);
+  void ReadMuteFlags(Sys_TypedInStream & ioStream, int iNum);
   void RegenerateLongNoteList();
   bool IsLong(Vrae_NoteWithDurationEvent const & iEvent) const;
   bool HasThresholdsOf(Vrad_NoteListBase const & iOther) const;

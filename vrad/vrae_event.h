@@ -14,6 +14,8 @@
 #include "foundation/vrad_export.h"
 
 class Mem2_MasterAllocator;
+class Sys_TypedInStream;
+class Sys_TypedOutStream;
 class Vrae_SysexDataBase;
 
 class Vrae_NoteOnEvent;
@@ -209,6 +211,16 @@ public:
   bool IsMessageSysex(int iMessageNumber) const;
   /// True for a long sysex that begins with 0xF0 and ends with another byte, 0xF7.
   bool IsCompleteLongSysex() const;
+
+  // Saving. Only sysex is saved as an event; notes and continuous values have records of their own.
+
+  /// Writes the event's record, for kinds 14 and 15. Any other kind is reported, and its record is
+  /// empty. Only the contents are saved: what does not begin with 0xF0 and end with 0xF7 loses the
+  /// bytes there.
+  void StreamOut(Sys_TypedOutStream & ioStream) const;
+  /// Becomes the event of the next record: kind 14 or 15, or kind 0 where the record says none.
+  /// Fails: `Sys_StreamException`; `std::bad_alloc` for a negative length. The event is unchanged.
+  void StreamIn(Sys_TypedInStream & ioStream);
 
   // For containers that move records as raw images.
 

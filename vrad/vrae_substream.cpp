@@ -1,13 +1,17 @@
 #include "vrad/vrae_substream.h"
 
+#include <iterator>
 #include <stdexcept>
 
 #include "cmn/cmn_assert.h"
+#include "foundation/sys_stream.h"
 #include "vrad/vrad_init.h"
 
 namespace {
 
-constexpr int kBadSubTypeString = 201;
+constexpr int kBadSubTypeString = 201, kBadTypeString = 202;
+
+constexpr char const * kTag = "Vrss";
 
 // The last pitch's pressure has index 249.
 constexpr int kMonoPressureIndex = 120, kProgramIndex = 121, kFirstPolyPressureIndex = 122;
@@ -220,4 +224,31 @@ void Vrae_SubStream::GetInfo(signed char & oType, signed char & oSubType) const 
   oType = typeCode >= 0 && typeCode <= 5 ? kTypes[typeCode] : kTypes[0];
   // The pitch of a pressure is not told.
   if (oType == Vrae_Event::kController) oSubType = static_cast<signed char>(mSubType);
+}
+
+// subStream := header("Vrss", 1)  type:uint8  subType:int32
+void Vrae_SubStream::StreamOut(Sys_TypedOutStream & ioStream) const {
+  int const typeCode = mTypeP->GetTypeCode();
+  Sys_StdStreamHeaderWriter header(ioStream, kTag, 1);
+  ioStream.Write(static_cast<signed char>(typeCode));
+  ioStream.Write(mSubType);
+  header.PatchSize();
+}
+
+void Vrae_SubStream::StreamIn(Sys_TypedInStream & ioStream) {
+  static constexpr Vrae_SubStreamType const * kTypes[] = {
+      &sNull.mType,    &sPitchBend.mType,    &sController.mType,
+      &sProgram.mType, &sMonoPressure.mType, &sPolyPressure.mType};
+  Sys_StdStreamHeaderReader header(ioStream, kTag);
+  header.CheckVersion(1, 1);
+  signed char type;
+  int subType;
+  ioStream.Read(&type);
+  ioStream.Read(&subType);
+  size_t const typeCode = static_cast<unsigned char>(type);
+  if (typeCode >= std::size(kTypes)) Vrad_ThrowBadData(kBadTypeString);
+  kTypes[typeCode]->CheckValidSubType(subType);
+  mTypeP = kTypes[typeCode];
+  mSubType = subType;
+  header.SkipTheRest();
 }

@@ -6,6 +6,9 @@
 #include "foundation/vrad_export.h"
 #include "vrad/vrae_event.h"
 
+class Sys_TypedInStream;
+class Sys_TypedOutStream;
+
 /// Both ends included.
 struct Vrae_SubStream_ValueRange {
   int mMin;
@@ -71,6 +74,13 @@ public:
   int GetValueFromEvent(Vrae_Event const & iEvent) const;
   /// The kind of this stream's events. `oSubType` is written for controllers alone.
   void GetInfo(signed char & oType, signed char & oSubType) const;
+
+  /// Writes the sub-stream's record. Fails: the null sub-stream throws "0".
+  void StreamOut(Sys_TypedOutStream & ioStream) const;
+  /// Becomes what the next record names.
+  /// Fails: throws string 202 for an unknown type, string 201 for a sub-type out of range, "0" for
+  /// the type of the null sub-stream, `Sys_StreamException`. The sub-stream is unchanged.
+  void StreamIn(Sys_TypedInStream & ioStream);
 
 private:
   explicit Vrae_SubStream(Vrae_SubStreamType const * iTypeP);

@@ -6,6 +6,9 @@
 #include "foundation/vrad_export.h"
 #include "vrad/vrae_event.h"
 
+class Sys_TypedInStream;
+class Sys_TypedOutStream;
+
 /// Identity of a MIDI input. The second field is the major key of the order, on purpose.
 struct Vras_InputID {
   Vras_InputID() = default;
@@ -68,6 +71,12 @@ public:
   /// The latest end of the notes, always in samples; sample 0 when there is none. Notes with a
   /// fractional pitch are not counted. Linear.
   Time_Typed GetLatestNoteOff() const;
+
+  /// Writes the list's record; the stamps are not saved. Fails: as `Vrae_Event::StreamOut`.
+  void StreamOut(Sys_TypedOutStream & ioStream) const;
+  /// Erases the list, then reads a record into it, in its order. A negative count counts as 0.
+  /// Fails: `Sys_StreamException` and what `Vrae_Event::StreamIn` throws; what was read stays.
+  void StreamIn(Sys_TypedInStream & ioStream);
 };
 
 /// Notes that are taken to sound as one chord, in order of arrival.
