@@ -6,6 +6,8 @@
 
 namespace {
 
+__extension__ typedef unsigned __int128 Magnitude;
+
 constexpr long long kMin = Time_Saturating::kMin;
 constexpr long long kMax = Time_Saturating::kMax;
 
@@ -34,12 +36,31 @@ long long CountOf(Time_TypedLength iLength, Time_EType iType) {
                                     : Time_CountInUnit(FromOrigin(iLength), iType);
 }
 
-// Truncates, and takes what is no number for 0.
-long long Saturate(double iValue) {
-  if (std::isnan(iValue)) return 0;
-  if (iValue >= 0x1p63) return kMax;
-  if (iValue < -0x1p63) return kMin;
-  return static_cast<long long>(iValue);
+// The exact product, truncated, of a finite factor that makes it 1 or more in size.
+long long ScaleExactly(long long iCount, double iFactor) {
+  long long const limit = (iCount < 0) == (iFactor < 0) ? kMax : kMin;
+  // The factor is a whole number of 53 bits, times two to the exponent.
+  int exponent;
+  double const fraction = std::frexp(std::fabs(iFactor), &exponent);
+  exponent -= 53;
+  Magnitude const wide = static_cast<Magnitude>(iCount);
+  Magnitude product =
+      (iCount < 0 ? -wide : wide) * static_cast<Magnitude>(std::ldexp(fraction, 53));
+  if (exponent > 0 && (exponent > 63 || product >> (63 - exponent) != 0)) return limit;
+  product = exponent > 0 ? product << exponent : product >> -exponent;
+  if (product > static_cast<Magnitude>(kMax)) return limit;
+  return limit == kMax ? static_cast<long long>(product) : -static_cast<long long>(product);
+}
+
+// Truncates. From 2^53 on a double would lose low bits; below, it gives what a caller expects of
+// factors such as 0.3, which lie a little beside the number that was meant.
+long long Scale(long long iCount, double iFactor) {
+  double const product = static_cast<double>(iCount) * iFactor;
+  if (std::isnan(product)) return 0;
+  if (product >= 0x1p64) return kMax;
+  if (product <= -0x1p64) return kMin;
+  if (std::fabs(product) < 0x1p53) return static_cast<long long>(product);
+  return ScaleExactly(iCount, iFactor);
 }
 
 Cmn_XMLNodePtr MakeNode(std::string const & iName, long long iCount, Time_EType iType) {
@@ -104,8 +125,7 @@ Time_TypedLength operator*(Time_TypedLength iLength, int iFactor) {
 }
 
 Time_TypedLength operator*(Time_TypedLength iLength, double iFactor) {
-  return Time_TypedLength(Saturate(static_cast<double>(iLength.AsInt64()) * iFactor),
-                          iLength.GetType());
+  return Time_TypedLength(Scale(iLength.AsInt64(), iFactor), iLength.GetType());
 }
 
 Time_TypedLength operator/(Time_TypedLength iLength, int iDivisor) {

@@ -278,7 +278,8 @@ inline Time_TypedLength operator-(Time_TypedLength iA, Time_TypedLength iB) {
   return iA -= iB;
 }
 
-/// Scaled, truncated towards zero, in the same unit. Dividing by 0 gives the limit of the sign.
+/// Scaled, truncated towards zero, in the same unit; no low bit of a long count is lost. A factor
+/// that is no number gives 0; dividing by 0 gives the limit of the sign.
 VRAD_EXPORT Time_TypedLength operator*(Time_TypedLength iLength, int iFactor);
 VRAD_EXPORT Time_TypedLength operator*(Time_TypedLength iLength, double iFactor);
 VRAD_EXPORT Time_TypedLength operator/(Time_TypedLength iLength, int iDivisor);

@@ -337,6 +337,41 @@ TEST(Time_TypedLength_Arithmetic, StopsAtTheEndsOfTheRange) {
   EXPECT_EQ((TickLength(kMin) / -1).AsInt64(), kMax);
 }
 
+TEST(Time_TypedLength_Arithmetic, AFactorKeepsTheLowBitsOfALongCount) {
+  constexpr long long kOdd = (1LL << 53) + 1;  // no double
+  EXPECT_EQ((TickLength(kOdd) * 1.0).AsInt64(), kOdd);
+  EXPECT_EQ((TickLength(kOdd) * -1.0).AsInt64(), -kOdd);
+  EXPECT_EQ((TickLength(-kOdd) * 3.0).AsInt64(), -3 * kOdd);
+  EXPECT_EQ((TickLength(kOdd) * 512.0).AsInt64(), 512 * kOdd);
+  EXPECT_EQ((TickLength(kMax) * 1.0).AsInt64(), kMax);
+  EXPECT_EQ((TickLength(kMax - 1) * 1.0).AsInt64(), kMax - 1);
+  EXPECT_EQ((TickLength(kMin) * 1.0).AsInt64(), kMin);
+  EXPECT_EQ((TickLength(kMin) * 0.5).AsInt64(), kMin / 2);
+}
+
+TEST(Time_TypedLength_Arithmetic, AFactorTruncatesALongProductTowardsZero) {
+  constexpr long long kOdd = (1LL << 55) + 3;
+  EXPECT_EQ((TickLength(kOdd) * 0.5).AsInt64(), (1LL << 54) + 1);
+  EXPECT_EQ((TickLength(kOdd) * -0.5).AsInt64(), -(1LL << 54) - 1);
+  EXPECT_EQ((TickLength(kOdd) * 0.0).AsInt64(), 0);
+}
+
+TEST(Time_TypedLength_Arithmetic, AFactorTakesShortCountsAsADoubleDoes) {
+  EXPECT_EQ((TickLength(480) * 0.3).AsInt64(), 144);
+  EXPECT_EQ((TickLength(480) * 0.7).AsInt64(), 336);
+  EXPECT_EQ((TickLength(-480) * 0.7).AsInt64(), -336);
+}
+
+TEST(Time_TypedLength_Arithmetic, AnOverlongProductStopsAtTheLimit) {
+  EXPECT_EQ((TickLength(1) * 0x1p63).AsInt64(), kMax);
+  EXPECT_EQ((TickLength(1) * -0x1p63).AsInt64(), kMin);
+  EXPECT_EQ((TickLength(1) * 0x1p62).AsInt64(), 1LL << 62);
+  EXPECT_EQ((TickLength(3) * 0x1p1000).AsInt64(), kMax);
+  EXPECT_EQ((TickLength(3) * -std::numeric_limits<double>::infinity()).AsInt64(), kMin);
+  EXPECT_EQ((TickLength(0) * std::numeric_limits<double>::infinity()).AsInt64(), 0);
+  EXPECT_EQ((TickLength(kMax) * 1.0000000000000002).AsInt64(), kMax);
+}
+
 TEST(Time_TypedLength_Arithmetic, DividingByZeroGivesTheLimitOfTheSign) {
   EXPECT_EQ((TickLength(5) / 0).AsInt64(), kMax);
   EXPECT_EQ((TickLength(-5) / 0).AsInt64(), kMin);
