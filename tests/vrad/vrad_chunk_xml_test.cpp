@@ -131,15 +131,14 @@ TEST(Vrad_Chunk_PrintContents, ListsNotesThenStreamsThenTheCache) {
   chunk->AddEvent(ControllerAt(Ticks(10), 7, 90));
   chunk->AddEvent(NoteAt(Ticks(960), 62, 480, true));
   chunk->AddEvent(NoteAt(Samples(0), 60, 24));
-  EXPECT_EQ(chunk->PrintContents(),
-            "Notes: 2\n"
-            "  0s pitch 60, duration 24s, on 100, off 64\n"
-            "  960t pitch 62, duration 480t, on 100, off 64, muted\n"
-            "PitchBend: 1\n"
-            "  5s -8192\n"
-            "Controller 7: 1\n"
-            "  10t 90\n"
-            "Sorted list: none\n");
+  EXPECT_EQ(chunk->PrintContents(), "Notes: 2\n"
+                                    "  0s pitch 60, duration 24s, on 100, off 64\n"
+                                    "  960t pitch 62, duration 480t, on 100, off 64, muted\n"
+                                    "PitchBend: 1\n"
+                                    "  5s -8192\n"
+                                    "Controller 7: 1\n"
+                                    "  10t 90\n"
+                                    "Sorted list: none\n");
 }
 
 TEST(Vrad_Chunk_PrintContents, HoldsTheTextOfEachStream) {

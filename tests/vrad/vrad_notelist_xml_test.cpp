@@ -36,9 +36,9 @@ std::string PrintOnlyNote(Vrad_NoteListBase_Note const & iNote) {
 
 TEST(Vrad_NoteListBase_GetAsXML, IsConst) {
   static_assert(
-      std::is_same_v<decltype(std::declval<Vrad_NoteListBase const &>().GetAsXML()),
-                     Cmn_AliasedRefCountPtr<Cmn_XMLNode, Cmn_XMLNode *,
-                                            Cmn_XMLNode_ForwardDeclarationHack>>);
+      std::is_same_v<
+          decltype(std::declval<Vrad_NoteListBase const &>().GetAsXML()),
+          Cmn_AliasedRefCountPtr<Cmn_XMLNode, Cmn_XMLNode *, Cmn_XMLNode_ForwardDeclarationHack>>);
 }
 
 TEST(Vrad_NoteListBase_GetAsXML, EmptyListHasACountAndNoNotes) {
