@@ -1,0 +1,9 @@
+// What is asked of the systems behind RtMidi without its help.
+#pragma once
+
+/// The systems' own libraries write to the standard error stream when a system is not there; this
+/// keeps them from it.
+void Host_SilenceMidiSystems();
+
+/// Whether a JACK server answers: RtMidi complains aloud if asked for one that does not.
+bool Host_IsJackRunning();

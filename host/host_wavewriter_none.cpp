@@ -1,0 +1,28 @@
+// Where FluidSynth was not found: says so.
+#include "host/host_wavewriter.h"
+
+class Host_WaveWriter::Synthesizer {};
+
+struct Host_WaveWriter::Rendering {};
+
+Host_WaveWriter::Host_WaveWriter(std::string const &, std::string const &) {
+  throw Host_SoundError("this program was built without sound: FluidSynth was not found");
+}
+
+Host_WaveWriter::~Host_WaveWriter() = default;
+void Host_WaveWriter::BeginBlock(int) {}
+void Host_WaveWriter::ReceiveMessage(Host_WireMessage const &) {}
+void Host_WaveWriter::EndBlock() {}
+void Host_WaveWriter::Finish() {}
+
+bool Host_WaveWriter::HasFailed() const {
+  return true;
+}
+
+long long Host_WaveWriter::GetNumFrames() const {
+  return 0;
+}
+
+long long Host_WaveWriter::GetNumClipped() const {
+  return 0;
+}
