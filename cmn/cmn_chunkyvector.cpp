@@ -133,8 +133,38 @@ void Cmn_ChunkyVecImpl::Append(char const * iRecord) {
     return;
   }
   Cmn_ChunkyVecLeaf & tail = static_cast<Cmn_ChunkyVecLeaf &>(*mTailP);
-  Tree(*mCopierP, mElementSize).AppendToTail(*mRootP, tail, iRecord);
+  Tree(*mCopierP, mElementSize).AppendToTail(*mRootP, tail, iRecord, 1);
   ++mSize;
+}
+
+// Short runs are copied, so that many of them in a row fill their chunks.
+void Cmn_ChunkyVecImpl::Append(Cmn_ChunkyVecImpl const & iSource, int iFirst, int iLast) {
+  if (iLast - iFirst > Cmn_ChunkyVecNode::kLeafRoom || &iSource == this) {
+    Insert(End(), iterator(&iSource, iFirst), iterator(&iSource, iLast));
+    return;
+  }
+  while (iFirst < iLast) {
+    char const * records = nullptr;
+    int const num = std::min(iSource.GetSpan(iFirst, &records), iLast - iFirst);
+    AppendRun(records, num);
+    iFirst += num;
+  }
+}
+
+void Cmn_ChunkyVecImpl::AppendRun(char const * iRecords, int iNum) {
+  while (iNum > 0) {
+    int num = 1;
+    if (MayAppendInPlace()) {
+      Cmn_ChunkyVecLeaf & tail = static_cast<Cmn_ChunkyVecLeaf &>(*mTailP);
+      num = std::min(iNum, tail.mRoom - tail.mNum);
+      Tree(*mCopierP, mElementSize).AppendToTail(*mRootP, tail, iRecords, num);
+      mSize += num;
+    } else {
+      Insert(End(), 1, iRecords);
+    }
+    iRecords += static_cast<ptrdiff_t>(num) * mElementSize;
+    iNum -= num;
+  }
 }
 
 void Cmn_ChunkyVecImpl::Replace(int iIndex, char const * iRecord) {
@@ -149,6 +179,12 @@ void Cmn_ChunkyVecImpl::Replace(int iIndex, char const * iRecord) {
   tree.FindForWriting(mRootP, iIndex, path);
   tree.ReplaceInLeaf(*path.mLeafP, path.mOffset, holds ? held : large.AsLeaf().mRecords);
   path.Refresh();
+}
+
+void Cmn_ChunkyVecImpl::Unshare() {
+  Settle();
+  Touch();
+  if (mRootP) Tree(*mCopierP, mElementSize).Unshare(mRootP);
 }
 
 char const * Cmn_ChunkyVecImpl::GetConstPtr(int iIndex) const {

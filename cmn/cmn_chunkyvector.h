@@ -174,8 +174,13 @@ public:
   iterator Erase(iterator const & iFirst, iterator const & iLast);
   /// One record at the end. Amortised O(1).
   void Append(char const * iRecord);
+  /// The records [iFirst, iLast) of any sequence of such records at the end. What is longer than a
+  /// few chunks is shared: O(log n + C).
+  void Append(Cmn_ChunkyVecImpl const & iSource, int iFirst, int iLast);
   /// Puts another record in the place of one. O(log n + C).
   void Replace(int iIndex, char const * iRecord);
+  /// Copies the chunks that are shared, so that no write needs memory until the next copy. O(n)
+  void Unshare();
 
   /// The record for reading, for writing. Lives: as with the iterator.
   char const * GetConstPtr(int iIndex) const;
@@ -218,6 +223,7 @@ private:
   Cmn_ChunkyVecLeaf * FindLeaf(int iIndex, int * oOffset) const;
   void UnshareFor(int iIndex, Cmn_ChunkyVecPath & oPath);
   void InsertOne(int iIndex, char const * iRecord);
+  void AppendRun(char const * iRecords, int iNum);
   void InsertTree(int iIndex, Cmn_ChunkyVecNode * iRootP);
   Cmn_ChunkyVecNode * Copy(Cmn_ChunkyVecCopier const & iCopier, int iFirst, int iLast) const;
   void ReplaceRoot(Cmn_ChunkyVecNode * iRootP);
@@ -400,6 +406,10 @@ public:
   iterator Erase(const_iterator iFirst, const_iterator iLast) {
     return iterator(mImpl.Erase(iFirst.GetPosition(), iLast.GetPosition()));
   }
+  /// Puts the records [iFirst, iLast) of any sequence of such records at the end.
+  void Append(Cmn_ChunkyVectorBase const & iSource, int iFirst, int iLast) {
+    mImpl.Append(iSource.mImpl, iFirst, iLast);
+  }
   void Replace(int iIndex, T const & iRecord) { mImpl.Replace(iIndex, Bytes(&iRecord)); }
   void Clear() { mImpl.Destruct(); }
   void Reserve(size_t) {}
@@ -437,6 +447,8 @@ public:
     *oFirst = reinterpret_cast<T *>(first);
     return num;
   }
+  /// Makes every record writable without a copy, so that writing cannot fail any more.
+  void Unshare() { mImpl.Unshare(); }
   /// The untyped sequence, for searches over its keys.
   Cmn_ChunkyVecImpl const & GetImpl() const { return mImpl; }
   void Settle() const { mImpl.Settle(); }

@@ -125,15 +125,15 @@ int Cmn_ChunkyVecInner::ChildForInsertion(int iIndex) const {
   return static_cast<int>(std::lower_bound(mEnd, mEnd + mNum, iIndex) - mEnd);
 }
 
-void Cmn_ChunkyVecInner::Widen(Summary const & iOne) {
+void Cmn_ChunkyVecInner::Widen(Summary const & iAppended) {
   int const last = mNum - 1;
-  mAscending[last] = mAscending[last] && mLast[last] <= iOne.mFirst;
-  mMarks[last] |= iOne.mMarks;
-  mLast[last] = iOne.mLast;
-  mLeast[last] = std::min(mLeast[last], iOne.mLeast);
-  mGreatest[last] = std::max(mGreatest[last], iOne.mGreatest);
-  ++mEnd[last];
-  mSummary.Append(iOne);
+  mAscending[last] = mAscending[last] && iAppended.mAscending && mLast[last] <= iAppended.mFirst;
+  mMarks[last] |= iAppended.mMarks;
+  mLast[last] = iAppended.mLast;
+  mLeast[last] = std::min(mLeast[last], iAppended.mLeast);
+  mGreatest[last] = std::max(mGreatest[last], iAppended.mGreatest);
+  mEnd[last] += iAppended.mNum;
+  mSummary.Append(iAppended);
 }
 
 void Cmn_ChunkyVecInner::Update(int iChild) {
@@ -284,16 +284,26 @@ void Cmn_ChunkyVecTree::FindForInsertion(Node *& ioRootP, int iIndex, Path & oPa
   oPath.mOffset = iIndex;
 }
 
-void Cmn_ChunkyVecTree::AppendToTail(Node & ioRoot, Leaf & ioTail, char const * iRecord) const {
-  int const offset = ioTail.mNum;
-  mCopier.Copy(ioTail.At(offset), iRecord, 1);
-  ++ioTail.mNum;
-  ExtractKeys(ioTail, offset, 1);
-  Summary const one = SummaryOfOne(ioTail, offset);
-  ioTail.mSummary.Append(one);
+void Cmn_ChunkyVecTree::Unshare(Node *& ioNodeP) const {
+  MakeWritable(ioNodeP);
+  if (ioNodeP->IsLeaf()) return;
+  Inner & inner = static_cast<Inner &>(*ioNodeP);
+  for (int i = 0; i < inner.mNum; ++i)
+    Unshare(inner.mChild[i]);
+}
+
+void Cmn_ChunkyVecTree::AppendToTail(Node & ioRoot, Leaf & ioTail, char const * iRecords,
+                                     int iNum) const {
+  int const first = ioTail.mNum;
+  mCopier.Copy(ioTail.At(first), iRecords, iNum);
+  ioTail.mNum += iNum;
+  ExtractKeys(ioTail, first, iNum);
+  Summary const appended =
+      iNum == 1 ? SummaryOfOne(ioTail, first) : SummaryOfKeys(ioTail, first, first + iNum);
+  ioTail.mSummary.Append(appended);
   for (Node * nodeP = &ioRoot; !nodeP->IsLeaf();) {
     Inner & inner = static_cast<Inner &>(*nodeP);
-    inner.Widen(one);
+    inner.Widen(appended);
     nodeP = inner.mChild[inner.mNum - 1];
   }
 }

@@ -54,8 +54,8 @@ struct Cmn_ChunkyVecInner : Cmn_ChunkyVecNode {
   Cmn_ChunkyVecSummary SummaryOf(int iChild) const;
   /// All of a summary but the number of records.
   void SetKeys(int iChild, Cmn_ChunkyVecSummary const & iSummary);
-  /// After one record was appended to the last child.
-  void Widen(Cmn_ChunkyVecSummary const & iOne);
+  /// After records were appended to the last child.
+  void Widen(Cmn_ChunkyVecSummary const & iAppended);
   /// After a change of a child's contents: the whole of what is known here. Looks at the other
   /// children only if what the child has lost may have been an extreme of all.
   void Update(int iChild);
@@ -157,8 +157,11 @@ public:
   /// A place for one more record before `iIndex`, in a leaf that has room.
   void FindForInsertion(Node *& ioRootP, int iIndex, Path & oPath) const;
 
+  /// Copies every node that is shared.
+  void Unshare(Node *& ioNodeP) const;
+
   /// Needs: room in the last leaf and an unshared path to it.
-  void AppendToTail(Node & ioRoot, Leaf & ioTail, char const * iRecord) const;
+  void AppendToTail(Node & ioRoot, Leaf & ioTail, char const * iRecords, int iNum) const;
   void InsertIntoLeaf(Leaf & ioLeaf, int iOffset, char const * iRecord) const;
   void EraseFromLeaf(Leaf & ioLeaf, int iOffset, int iNum) const;
   void ReplaceInLeaf(Leaf & ioLeaf, int iOffset, char const * iRecord) const;

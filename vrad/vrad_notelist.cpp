@@ -2,6 +2,8 @@
 
 #include <climits>
 #include <cstring>
+#include <iostream>
+#include <string>
 
 #include "cmn/cmn_assert.h"
 #include "foundation/time_convert.h"
@@ -30,7 +32,8 @@ public:
       oOrder[i] = time.AsInt64();
       oExtent[i] = hasEnd ? (time + duration).AsInt64() : LLONG_MAX;
       int const mark = Vrad_StoreMarkOf(time.GetType()) | (hasEnd ? 0 : kStoreMark_NoExtent);
-      oMarks[i] = static_cast<unsigned char>(mark);
+      bool const isBlank = notes[i].mEvent.GetType() == Vrae_Event::kNoEvent;
+      oMarks[i] = static_cast<unsigned char>(mark | (isBlank ? kStoreMark_NoEvent : 0));
     }
   }
 };
@@ -196,6 +199,16 @@ bool Vrad_NoteListBase::operator==(Vrad_NoteListBase const & iOther) const {
 }
 
 void Vrad_NoteListBase::AssertInvariant() const {}
+
+void Vrad_NoteListBase::PrintList() const {
+  constexpr long long kScale = 1000;
+  std::string text;
+  for (Vrad_NoteListBase_Note const & note : mNotes) {
+    long long const ticks = note.mTime.AsTick().AsInt64() - Time_cDefaultOriginTick.AsInt64();
+    text += std::to_string(ticks / kScale) + " " + std::to_string(note.mEvent.GetPitch()) + ",";
+  }
+  std::cout << text << std::endl;
+}
 
 Vrad_NoteList::Vrad_NoteList(Ndo_Object::EUndoFlag iFlag, bool iQuantizeContents)
     : Vrad_NoteListBase(iFlag, iQuantizeContents) {

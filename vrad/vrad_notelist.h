@@ -176,6 +176,9 @@ private:
   void ReadOriginals(Sys_TypedInStream & ioStream, int iNum);
   void ReadMuteFlags(Sys_TypedInStream & ioStream, int iNum);
   void RegenerateLongNoteList();
+  void MergeSorted(Notes const & iAdded);
+  void EraseEqual(Notes const & iGone);
+  bool Snaps() const;
   bool IsLong(Vrae_NoteWithDurationEvent const & iEvent) const;
   bool HasThresholdsOf(Vrad_NoteListBase const & iOther) const;
   bool KnowsEndsIn(Time_EType iType) const;

@@ -16,12 +16,13 @@
 #include "foundation/time_convert.h"
 #include "foundation/time_typed.h"
 
-/// The marks that the digest of a sorted store leaves on each record; three bits are still free.
+/// The marks that the digest of a sorted store leaves on each record; two bits are still free.
 enum Vrad_EStoreMark : int {
   kStoreMark_Samples = 1,    // the time is in samples
   kStoreMark_Ticks = 2,      // the time is in ticks
   kStoreMark_OtherUnit = 4,  // the time is in neither
   kStoreMark_NoExtent = 8,   // the extent key does not say how far the record reaches
+  kStoreMark_NoEvent = 16,   // the record's event is of kind 0
   kStoreMark_AllUnits = 7
 };
 
@@ -144,6 +145,47 @@ struct Vrad_IndexRange {
   bool IsEmpty() const { return mFirst >= mLast; }
 };
 
+/// Walks a stretch of a store in order, as it must be done where the store may be unsorted. In a
+/// sorted one it leaps when it has far to go: O(log n) a leap, O(1) to a neighbour.
+/// Lives: until the store is written.
+template <class T>
+class Vrad_StoreCursor {
+public:
+  Vrad_StoreCursor(Cmn_ChunkyPODVector<T> const & iStore, Vrad_IndexRange iRange)
+      : mStore(iStore), mIter(iStore.At(iRange.mFirst)), mLast(iRange.mLast) {}
+
+  bool IsAtEnd() const { return mIter.GetIndex() >= mLast; }
+  int GetIndex() const { return mIter.GetIndex(); }
+  T const & operator*() const { return *mIter; }
+  T const * operator->() const { return &*mIter; }
+  void operator++() { ++mIter; }
+
+  /// To the next record whose time is not less than `iTime`, is greater than it.
+  void SkipBefore(Time_Typed iTime) {
+    Skip([iTime](Time_Typed iOther) { return iOther < iTime; },
+         [this, iTime] { return Vrad_LowerBoundFrom(mStore, GetIndex(), iTime); }, iTime);
+  }
+  void SkipThrough(Time_Typed iTime) {
+    Skip([iTime](Time_Typed iOther) { return !(iTime < iOther); },
+         [this, iTime] { return Vrad_UpperBoundFrom(mStore, GetIndex(), iTime); }, iTime);
+  }
+
+private:
+  template <class TIsPassed, class TFindBound>
+  void Skip(TIsPassed iIsPassed, TFindBound iFindBound, Time_Typed iTime) {
+    constexpr int kStepsBeforeLeap = 8;
+    for (int i = 0; !IsAtEnd() && iIsPassed(mIter->mTime); ++i, ++mIter) {
+      if (i != kStepsBeforeLeap || !Vrad_HasKeysFor(mStore, iTime.GetType())) continue;
+      mIter += std::min(iFindBound(), mLast) - GetIndex();
+      return;
+    }
+  }
+
+  Cmn_ChunkyPODVector<T> const & mStore;
+  Cmn_ChunkyVectorConstIterator<T> mIter;
+  int mLast;
+};
+
 /// What a bulk edit takes from its source: the records from `iStart` up to `iEnd`, whose bound is
 /// searched from the first bound on. Empty if `iEnd` is not after `iStart`.
 template <class TStore>
@@ -216,4 +258,19 @@ void Vrad_ReplaceIndices(TStore & ioStore, Vrad_IndexRange iRange,
   int const num = static_cast<int>(iRecords.size());
   Vrad_InsertRecords(ioStore, iRange.mFirst, iRecords);
   Vrad_EraseIndices(ioStore, iRange.mFirst + num, iRange.mLast + num);
+}
+
+/// Rewrites each record once, in order.
+/// Fails: `std::bad_alloc`, before the first is rewritten.
+template <class T, class TRewrite>
+void Vrad_RewriteAll(Cmn_ChunkyPODVector<T> & ioStore, TRewrite iRewrite) {
+  ioStore.Unshare();
+  for (int index = 0; index < ioStore.Size();) {
+    T * records;
+    int const num = ioStore.GetWritableSpan(index, &records);
+    for (int i = 0; i < num; ++i)
+      iRewrite(records[i]);
+    index += num;
+  }
+  ioStore.Settle();
 }
