@@ -5,7 +5,7 @@
 #include <limits>
 #include <utility>
 
-#include "foundation/sys_littleendian.h"
+#include "foundation/sys_streamnumber.h"
 
 namespace {
 

@@ -11,10 +11,11 @@
 #include "cmn/cmn_assert.h"
 #include "cmn/cmn_n10ncenter.h"
 #include "foundation/sys_stream.h"
+#include "foundation/sys_streamblock.h"
 #include "vrad/vrad_init.h"
 #include "vrad/vrad_n10n.h"
 #include "vrad/vrad_notelist.h"
-#include "vrad/vrad_streamblock.h"
+#include "vrad/vrae_savedtime.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ Time_TypedLength LengthFromSaved(long long iWord) {
   return length;
 }
 
-Time_TypedLength ReadLength(Vrad_BlockIn & ioBlock) {
+Time_TypedLength ReadLength(Sys_BlockIn & ioBlock) {
   long long word;
   ioBlock.Read(&word);
   return LengthFromSaved(word);
@@ -54,7 +55,7 @@ struct RawNote {
   signed char mPitch, mOnVelocity, mOffVelocity;
 };
 
-RawNote ReadRawNote(Vrad_BlockIn & ioBlock) {
+RawNote ReadRawNote(Sys_BlockIn & ioBlock) {
   RawNote raw;
   ioBlock.Read(&raw.mTime);
   ioBlock.Read(&raw.mPitch);
@@ -80,11 +81,11 @@ void SetFields(Vrae_NoteWithDurationEvent & oEvent, RawNote const & iRaw,
 }
 
 // Sets every field but the mute flag. The events are of kind 3 already.
-void ReadNote(Vrad_BlockIn & ioBlock, int iVersion, Note & oNote) {
+void ReadNote(Sys_BlockIn & ioBlock, int iVersion, Note & oNote) {
   RawNote const raw = ReadRawNote(ioBlock);
   CheckRawNote(raw);
   Time_TypedLength const duration = Repaired(LengthFromSaved(raw.mDuration));
-  oNote.mTime = Vrad_TimeFromSaved(raw.mTime);
+  oNote.mTime = Vrae_TimeFromSaved(raw.mTime);
   SetFields(oNote.mEvent, raw, duration);
   Time_TypedLength origDuration = duration;
   if (iVersion >= 2) {
@@ -97,11 +98,11 @@ void ReadNote(Vrad_BlockIn & ioBlock, int iVersion, Note & oNote) {
   SetFields(oNote.mOrigEvent, raw, origDuration);
 }
 
-void WriteNote(Vrad_BlockOut & ioBlock, Note const & iNote) {
+void WriteNote(Sys_BlockOut & ioBlock, Note const & iNote) {
   Time_TypedLength const duration = iNote.mEvent.GetDuration();
   Time_TypedLength delta = duration;
   delta -= iNote.mOrigEvent.GetDuration();
-  ioBlock.Write(Vrad_SavedTime(iNote.mTime));
+  ioBlock.Write(Vrae_SavedTime(iNote.mTime));
   ioBlock.Write(iNote.mEvent.GetPitch());
   ioBlock.Write(duration.GetRawDataForSave());
   ioBlock.Write(iNote.mEvent.GetOnVelocity());
@@ -110,7 +111,7 @@ void WriteNote(Vrad_BlockOut & ioBlock, Note const & iNote) {
   ioBlock.Write(delta.GetRawDataForSave());
 }
 
-void WriteOriginal(Vrad_BlockOut & ioBlock, Note const & iNote) {
+void WriteOriginal(Sys_BlockOut & ioBlock, Note const & iNote) {
   ioBlock.Write(iNote.mOrigEvent.GetPitch());
   ioBlock.Write(iNote.mOrigEvent.GetDuration().GetRawDataForSave());
   ioBlock.Write(iNote.mOrigEvent.GetOnVelocity());
@@ -118,7 +119,7 @@ void WriteOriginal(Vrad_BlockOut & ioBlock, Note const & iNote) {
 }
 
 // Field by field, so that a record cut short sets what it has.
-void ReadOriginal(Vrad_BlockIn & ioBlock, Vrae_NoteWithDurationEvent & ioEvent) {
+void ReadOriginal(Sys_BlockIn & ioBlock, Vrae_NoteWithDurationEvent & ioEvent) {
   signed char value;
   ioBlock.Read(&value);
   ioEvent.SetPitch(value);
@@ -143,7 +144,7 @@ void ForEach(TNotes const & iNotes, TVisit iVisit) {
 
 void Vrad_NoteListBase::StreamOut(Sys_TypedOutStream & ioStream) const {
   Sys_StdStreamHeaderWriter header(ioStream, kTag, kVersion);
-  Vrad_BlockOut out(ioStream);
+  Sys_BlockOut out(ioStream);
   int const num = mNotes.Size();
   out.Write(num);
   ForEach(mNotes, [&out](Note const & iNote) { WriteNote(out, iNote); });
@@ -176,7 +177,7 @@ void Vrad_NoteListBase::StreamIn(Sys_TypedInStream & ioStream) {
 // In runs, of which whole chunks of the store are made. What comes before a bad note stays.
 void Vrad_NoteListBase::ReadNotes(Sys_TypedInStream & ioStream, int iNum, int iVersion) {
   int const noteBytes = kFirstNoteBytes + (iVersion >= 2 ? kDeltasBytes : 0);
-  Vrad_BlockIn in(ioStream, static_cast<long long>(iNum) * noteBytes);
+  Sys_BlockIn in(ioStream, static_cast<long long>(iNum) * noteBytes);
   std::vector<Note> run;
   int numRead = 0;
   auto const store = [this, &run, &numRead] {
@@ -203,7 +204,7 @@ void Vrad_NoteListBase::ReadOriginals(Sys_TypedInStream & ioStream, int iNum) {
   if (num != iNum) return;
   ioStream.Read(&size);
   if (size != kOriginalBytes) return;
-  Vrad_BlockIn in(ioStream, static_cast<long long>(iNum) * kOriginalBytes);
+  Sys_BlockIn in(ioStream, static_cast<long long>(iNum) * kOriginalBytes);
   Note * notes;
   for (int i = 0, span; (span = mNotes.GetWritableSpan(i, &notes)) > 0; i += span)
     for (Note * noteP = notes; noteP != notes + span; ++noteP)

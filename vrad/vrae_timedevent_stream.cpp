@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "foundation/sys_stream.h"
-#include "vrad/vrad_streamblock.h"
+#include "vrad/vrae_savedtime.h"
 #include "vrad/vrae_timedevent.h"
 
 namespace {
@@ -17,7 +17,7 @@ void Vrae_TimedEventList::StreamOut(Sys_TypedOutStream & ioStream) const {
   Sys_StdStreamHeaderWriter header(ioStream, kTag, 1);
   ioStream.Write(static_cast<int>(size()));
   for (Vrae_TimedEvent const & event : *this) {
-    ioStream.Write(Vrad_SavedTime(event.mTime));
+    ioStream.Write(Vrae_SavedTime(event.mTime));
     event.mEvent.StreamOut(ioStream);
   }
   header.PatchSize();
@@ -35,7 +35,7 @@ void Vrae_TimedEventList::StreamIn(Sys_TypedInStream & ioStream) {
   for (int i = 0; i < count; ++i) {
     long long word;
     ioStream.Read(&word);
-    Vrae_TimedEvent event(Vrad_TimeFromSaved(word), Vrae_Event());
+    Vrae_TimedEvent event(Vrae_TimeFromSaved(word), Vrae_Event());
     event.mEvent.StreamIn(ioStream);
     push_back(event);
   }

@@ -5,27 +5,15 @@
 #include <algorithm>
 #include <array>
 
-#include "foundation/sys_littleendian.h"
 #include "foundation/sys_stream.h"
-#include "foundation/time_typed.h"
-
-/// A time as one number, and back.
-inline long long Vrad_SavedTime(Time_Typed iTime) {
-  return Time_TypedDefs::GetRawDataForSave(iTime.AsInt64(), iTime.GetType());
-}
-inline Time_Typed Vrad_TimeFromSaved(long long iWord) {
-  long long count;
-  Time_EType type;
-  Time_TypedDefs::SetFromRawSavedData(iWord, &count, &type);
-  return Time_Typed(count, type);
-}
+#include "foundation/sys_streamnumber.h"
 
 /// Fields on their way out. Nothing else may write to the stream until `Flush`.
-class Vrad_BlockOut {
+class Sys_BlockOut {
 public:
-  explicit Vrad_BlockOut(Sys_TypedOutStream & ioStream) : mStream(ioStream) {}
-  Vrad_BlockOut(Vrad_BlockOut const &) = delete;
-  Vrad_BlockOut & operator=(Vrad_BlockOut const &) = delete;
+  explicit Sys_BlockOut(Sys_TypedOutStream & ioStream) : mStream(ioStream) {}
+  Sys_BlockOut(Sys_BlockOut const &) = delete;
+  Sys_BlockOut & operator=(Sys_BlockOut const &) = delete;
 
   template <class T>
   void Write(T iValue) {
@@ -49,16 +37,16 @@ private:
 
 /// Fields on their way in. Behaves as the stream itself, which stands where the last field ended
 /// once this is destroyed. Nothing else may use the stream meanwhile.
-class Vrad_BlockIn {
+class Sys_BlockIn {
 public:
   /// `iExpected`: how many bytes will be asked for, as far as known. More may be.
-  Vrad_BlockIn(Sys_TypedInStream & ioStream, long long iExpected)
+  Sys_BlockIn(Sys_TypedInStream & ioStream, long long iExpected)
       : mStream(ioStream), mExpected(iExpected) {}
-  Vrad_BlockIn(Vrad_BlockIn const &) = delete;
-  Vrad_BlockIn & operator=(Vrad_BlockIn const &) = delete;
+  Sys_BlockIn(Sys_BlockIn const &) = delete;
+  Sys_BlockIn & operator=(Sys_BlockIn const &) = delete;
 
   // A position that cannot be set is met by the next read.
-  ~Vrad_BlockIn() {
+  ~Sys_BlockIn() {
     try {
       GiveBack();
     } catch (...) {
