@@ -1,5 +1,8 @@
 // vrad: shows what the library makes of a MIDI file.
 #include <exception>
+#include <functional>
+#include <tuple>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -12,14 +15,29 @@
 
 namespace {
 
+// In the order in which the help lists them.
+typedef std::tuple<Tool_InfoCommand, Tool_EventsCommand> Commands;
+
+struct Entry {
+  CLI::App const * mApp;
+  std::function<int()> mRun;
+};
+
+std::vector<Entry> AddCommands(Commands & ioCommands, CLI::App & ioApp) {
+  std::vector<Entry> entries;
+  auto const add = [&](auto & ioCommand) {
+    entries.push_back({ioCommand.AddTo(ioApp), [&ioCommand] { return ioCommand.Run(); }});
+  };
+  std::apply([&](auto &... ioCommand) { (add(ioCommand), ...); }, ioCommands);
+  return entries;
+}
+
 int Run(int iNumArgs, char ** iArgs) {
   CLI::App app("Reads Standard MIDI Files into clips and hands out their events.", "vrad");
   app.set_version_flag("--version", std::string("vrad ") + Vrad_GetVersion());
   app.require_subcommand(1);
-  Tool_InfoCommand info;
-  Tool_EventsCommand events;
-  CLI::App const * const infoApp = info.AddTo(app);
-  CLI::App const * const eventsApp = events.AddTo(app);
+  Commands commands;
+  std::vector<Entry> const entries = AddCommands(commands, app);
   try {
     app.parse(iNumArgs, iArgs);
   } catch (CLI::Success const & success) {
@@ -29,8 +47,9 @@ int Run(int iNumArgs, char ** iArgs) {
     if (hasCommand || app.remaining_size() == 0) throw Tool_UsageError(error.what());
     throw Tool_UsageError(fmt::format("'{}' is not a command", app.remaining().front()));
   }
-  if (infoApp->parsed()) return info.Run();
-  if (eventsApp->parsed()) return events.Run();
+  for (Entry const & entry : entries) {
+    if (entry.mApp->parsed()) return entry.mRun();
+  }
   return kStatus_BadCommandLine;
 }
 
