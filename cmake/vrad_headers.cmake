@@ -55,7 +55,11 @@ set(VRAD_HOST_HEADERS
   host/host_midifile.h
   host/host_midiparser.h
   host/host_midireport.h
-  host/host_miditiming.h)
+  host/host_miditiming.h
+  host/host_midiwriter.h
+  host/host_projectfile.h
+  host/host_song.h
+  host/host_writereport.h)
 
 list(JOIN VRAD_HEADERS "\n" lines)
 list(JOIN VRAD_HOST_HEADERS "\n" host_lines)

@@ -9,8 +9,8 @@
 
 #include "foundation/time_typed.h"
 #include "host/host_channelclip.h"
-#include "host/host_midifile.h"
 #include "host/host_midireport.h"
+#include "host/host_song.h"
 #include "vrad/vrae_event.h"
 
 /// Takes the messages of one track after the other, in file order, and appends the clips of each

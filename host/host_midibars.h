@@ -11,6 +11,9 @@ struct Host_TimeSignature {
   Time_Tick mTime;
   int mNumerator;
   int mDenominator;
+  int mTrack = 0;                 // where it stands in a MIDI file; it counts for all tracks
+  int mClocksPerClick = 24;       // of the metronome, 24 to the quarter note; 0 to 255
+  int mThirtySecondsPerBeat = 8;  // written for what MIDI calls a quarter note; 0 to 255
 };
 
 /// A place in bars. Bars and beats count from 1, ticks within the beat from 0.

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <system_error>
 #include <utility>
 
-#include "foundation/time_convert.h"
 #include "host/host_clipbuilder.h"
 #include "host/host_midisysex.h"
 
@@ -22,17 +22,18 @@ struct Found {
   size_t mOffset;
 };
 
-// In order of time; of several at one tick the last one found.
-template <class T>
-std::vector<T> SettleChanges(std::vector<Found<T>> & ioFound, Host_ENotKept iEarlier,
-                             Host_MidiReport & ioReport) {
-  auto const tickOf = [](Found<T> const & iFound) { return iFound.mChange.mTime.AsInt64(); };
+// In order of time; of several at one place the last one found. iPlaceOf gives what is to be
+// different in all that stay, time first.
+template <class T, class TPlaceOf>
+std::vector<T> SettleChanges(std::vector<Found<T>> & ioFound, TPlaceOf iPlaceOf,
+                             Host_ENotKept iEarlier, Host_MidiReport & ioReport) {
   std::stable_sort(ioFound.begin(), ioFound.end(), [&](Found<T> const & iA, Found<T> const & iB) {
-    return tickOf(iA) < tickOf(iB);
+    return iPlaceOf(iA.mChange) < iPlaceOf(iB.mChange);
   });
   std::vector<T> result;
   for (size_t i = 0; i < ioFound.size(); ++i) {
-    if (i + 1 < ioFound.size() && tickOf(ioFound[i]) == tickOf(ioFound[i + 1])) {
+    if (i + 1 < ioFound.size() &&
+        iPlaceOf(ioFound[i].mChange) == iPlaceOf(ioFound[i + 1].mChange)) {
       ioReport.CountNotKept(iEarlier, ioFound[i].mOffset);
     } else {
       result.push_back(ioFound[i].mChange);
@@ -52,9 +53,15 @@ public:
         mNumBytes(iNumBytes) {}
 
   void Finish() {
-    mFile.mTempoChanges = SettleChanges(mTempos, kNotKept_EarlierTempo, mFile.mReport);
+    auto const tickOf = [](auto const & iChange) { return iChange.mTime.AsInt64(); };
+    auto const tickAndTrackOf = [](auto const & iChange) {
+      return std::pair(iChange.mTime.AsInt64(), iChange.mTrack);
+    };
+    mFile.mTempoChanges = SettleChanges(mTempos, tickOf, kNotKept_EarlierTempo, mFile.mReport);
     mFile.mTimeSignatures =
-        SettleChanges(mSignatures, kNotKept_EarlierTimeSignature, mFile.mReport);
+        SettleChanges(mSignatures, tickOf, kNotKept_EarlierTimeSignature, mFile.mReport);
+    mFile.mKeySignatures =
+        SettleChanges(mKeys, tickAndTrackOf, kNotKept_EarlierKeySignature, mFile.mReport);
   }
 
   void BeginFile(Host_MidiHeader const & iHeader) override {
@@ -88,6 +95,8 @@ public:
       AddTempo(iTick, iBytes, iOffset);
     } else if (iType == 0x58) {
       AddTimeSignature(iTick, iBytes, iOffset);
+    } else if (iType == 0x59) {
+      AddKeySignature(iTick, iBytes, iOffset);
     } else {
       mFile.mReport.CountMetaEvent(iType, iOffset);
     }
@@ -142,6 +151,8 @@ private:
     return mTick;
   }
 
+  int GetTrack() const { return static_cast<int>(mFile.mTracks.size()) - 1; }
+
   bool IsFurtherSequence() const { return mFile.mHeader.mFormat == 2 && mFile.mTracks.size() > 1; }
 
   void AddTempo(long long iTick, Bytes iBytes, size_t iOffset) {
@@ -153,7 +164,7 @@ private:
     if (IsFurtherSequence()) {
       return mFile.mReport.CountNotKept(kNotKept_TempoOfFurtherSequence, iOffset);
     }
-    mTempos.push_back({{Time_Tick(ToTick(iTick)), 60e6 / microseconds}, iOffset});
+    mTempos.push_back({{Time_Tick(ToTick(iTick)), 60e6 / microseconds, GetTrack()}, iOffset});
   }
 
   void AddTimeSignature(long long iTick, Bytes iBytes, size_t iOffset) {
@@ -163,7 +174,21 @@ private:
     if (IsFurtherSequence()) {
       return mFile.mReport.CountNotKept(kNotKept_TimeSignatureOfFurtherSequence, iOffset);
     }
-    mSignatures.push_back({{Time_Tick(ToTick(iTick)), iBytes[0], 1 << iBytes[1]}, iOffset});
+    Host_TimeSignature signature = {Time_Tick(ToTick(iTick)), iBytes[0], 1 << iBytes[1],
+                                    GetTrack()};
+    if (iBytes.size() >= 4) {
+      signature.mClocksPerClick = iBytes[2];
+      signature.mThirtySecondsPerBeat = iBytes[3];
+    }
+    mSignatures.push_back({signature, iOffset});
+  }
+
+  void AddKeySignature(long long iTick, Bytes iBytes, size_t iOffset) {
+    int const numSharps = iBytes.size() < 2 ? 8 : static_cast<signed char>(iBytes[0]);
+    if (std::abs(numSharps) > 7 || iBytes[1] > 1) {
+      return mFile.mReport.CountNotKept(kNotKept_BadKeySignature, iOffset);
+    }
+    mKeys.push_back({{Time_Tick(ToTick(iTick)), numSharps, iBytes[1] == 1, GetTrack()}, iOffset});
   }
 
   Host_MidiFile & mFile;
@@ -174,6 +199,7 @@ private:
   size_t mNextProgress = kProgressStep;
   std::vector<Found<Host_TempoChange>> mTempos;
   std::vector<Found<Host_TimeSignature>> mSignatures;
+  std::vector<Found<Host_KeySignature>> mKeys;
   bool mHasName = false;
   long long mFileTick = 0;
   long long mTick = 0;
@@ -205,20 +231,6 @@ std::vector<unsigned char> ReadBytes(std::string const & iPath) {
 }
 
 }  // namespace
-
-Time_Tick Host_MidiFile::GetEnd() const {
-  long long end = 0;
-  for (Host_MidiTrack const & track : mTracks)
-    end = std::max(end, track.mEnd.AsInt64());
-  return Time_Tick(end);
-}
-
-void Host_MidiFile::FillTempoMap(Time_TempoMap & ioMap) const {
-  ioMap.Reset(120.0);
-  for (Host_TempoChange const & change : mTempoChanges) {
-    ioMap.SetTempoAt(change.mTime, change.mBeatsPerMinute);
-  }
-}
 
 Host_MidiFile Host_ReadMidiFile(std::span<unsigned char const> iBytes,
                                 Host_Progress const & iProgress) {

@@ -20,65 +20,19 @@
 //   track. A sysex whose last byte 0xF7 never comes is not kept.
 // - Tempo and time signatures of all tracks are one map; at one tick the one that is read last
 //   counts. In format 2, where each track is a piece of its own, those of the first track count.
+//   Key signatures are kept for each track.
 // What is not kept is counted in the report by kind, and so is whatever could not be read.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <span>
 #include <string>
-#include <vector>
 
-#include "foundation/time_typed.h"
-#include "host/host_midibars.h"
-#include "host/host_midiparser.h"
-#include "host/host_midireport.h"
-#include "host/host_miditiming.h"
-#include "ndo/ndo_ptr.h"
-#include "vrad/vrad_chunk.h"
+#include "host/host_song.h"
 
-class Time_TempoMap;
-
-/// A chunk and where in the file it comes from. Gives the chunk to the undo manager at its end.
-struct Host_Clip {
-  int mTrack;    // from 0, in file order
-  int mChannel;  // 0 to 15; -1: the clip has none
-  Ndo_AutoPtr<Vrad_Chunk> mChunk;
-};
-
-struct Host_MidiTrack {
-  std::string mName;  // the bytes of the first track name, in whatever encoding; may be empty
-  Time_Tick mEnd;
-};
-
-struct Host_TempoChange {
-  Time_Tick mTime;
-  double mBeatsPerMinute;  // quarter notes; finite and positive
-};
-
-/// A file that has been read. Can be moved, not copied.
-/// Thread: one at a time, as the chunks.
-struct Host_MidiFile {
-  Host_MidiFile() : mTiming(480) {}
-
-  Host_MidiHeader mHeader;
-  Host_MidiTiming mTiming;
-  std::vector<Host_MidiTrack> mTracks;
-  std::vector<Host_Clip> mClips;                    // by track, then channel, -1 last
-  std::vector<Host_TempoChange> mTempoChanges;      // rising; may be empty: 120 throughout
-  std::vector<Host_TimeSignature> mTimeSignatures;  // rising; may be empty: 4/4 throughout
-  Host_MidiReport mReport;
-
-  /// The latest end of a track.
-  Time_Tick GetEnd() const;
-
-  /// Sets ioMap to the file's tempo alone: 120 up to the first change.
-  void FillTempoMap(Time_TempoMap & ioMap) const;
-};
-
-/// A file makes at most this many stores, a clip or a controller, bend, program or pressure of a
-/// clip being one each; what asks for more is reported as a loss. It keeps a hostile file of a few
-/// kilobytes from filling memory with stores of one value each, a kilobyte or more apiece.
-constexpr int kHost_MaxStores = 65536;
+/// What reading one gives.
+typedef Host_Song Host_MidiFile;
 
 /// Told how far a long work is: so many of so many bytes.
 typedef std::function<void(size_t iNumDone, size_t iNumBytes)> Host_Progress;

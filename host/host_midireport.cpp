@@ -24,10 +24,14 @@ char const * GetName(Host_ENotKept iWhat) {
     return "tempo replaced by a later one at the same tick";
   case kNotKept_EarlierTimeSignature:
     return "time signature replaced by a later one at the same tick";
+  case kNotKept_EarlierKeySignature:
+    return "key signature replaced by a later one at the same tick";
   case kNotKept_BadTempo:
     return "tempo that is no tempo";
   case kNotKept_BadTimeSignature:
     return "time signature that is no time signature";
+  case kNotKept_BadKeySignature:
+    return "key signature that is no key signature";
   case kNotKept_TempoOfSMPTE:
     return "tempo in a file that counts time in frames";
   case kNotKept_TempoOfFurtherSequence:
@@ -36,6 +40,8 @@ char const * GetName(Host_ENotKept iWhat) {
     return "time signature of a further sequence of format 2";
   case kNotKept_UnknownChunk:
     return "chunk of an unknown kind";
+  case kNotKept_UnknownRecord:
+    return "record of an unknown kind";
   case kNotKept_NumValues:
     break;
   }

@@ -18,12 +18,15 @@ enum Host_ENotKept : int {
   kNotKept_EscapedMessage,  // bytes of an F7 event that are no channel message and no sysex
   kNotKept_EarlierTempo,
   kNotKept_EarlierTimeSignature,
+  kNotKept_EarlierKeySignature,
   kNotKept_BadTempo,
   kNotKept_BadTimeSignature,
+  kNotKept_BadKeySignature,
   kNotKept_TempoOfSMPTE,
   kNotKept_TempoOfFurtherSequence,
   kNotKept_TimeSignatureOfFurtherSequence,
   kNotKept_UnknownChunk,
+  kNotKept_UnknownRecord,  // of a project file
   kNotKept_NumValues
 };
 

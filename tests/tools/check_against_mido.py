@@ -28,7 +28,7 @@ NOT_KEPT = {
     "sequence_number": "sequence number", "text": "text", "copyright": "copyright notice",
     "instrument_name": "instrument name", "lyrics": "lyric", "marker": "marker",
     "cue_marker": "cue point", "device_name": "device name", "channel_prefix": "channel prefix",
-    "midi_port": "port", "smpte_offset": "SMPTE offset", "key_signature": "key signature",
+    "midi_port": "port", "smpte_offset": "SMPTE offset",
     "sequencer_specific": "sequencer-specific meta event",
 }
 
@@ -115,10 +115,12 @@ class Expectation:
         self.events = []
         self.tempos = collections.Counter()
         self.signatures = collections.Counter()
+        self.keys = collections.Counter()  # by tick and track
         self.num_clips = 0
         for number, track in enumerate(midi_file.tracks):
             self.add_track(number, track)
-        for found, name in ((self.tempos, "tempo"), (self.signatures, "time signature")):
+        for found, name in ((self.tempos, "tempo"), (self.signatures, "time signature"),
+                            (self.keys, "key signature")):
             earlier = sum(count - 1 for count in found.values())
             if earlier:
                 self.not_kept[name + " replaced by a later one at the same tick"] += earlier
@@ -131,7 +133,7 @@ class Expectation:
             tick = to_tick(file_tick, self.division)
             self.num_messages[message.type] += 1
             if message.is_meta:
-                self.add_meta(tick, message, has_name)
+                self.add_meta(number, tick, message, has_name)
                 has_name = has_name or message.type == "track_name"
             elif message.type == "sysex":
                 sysex.append(self.make_sysex(tick, message.data))
@@ -179,12 +181,14 @@ class Expectation:
                 "name": "LongSysex" if long else "ShortSysex",
                 "data": " ".join("%02x" % byte for byte in data)}
 
-    def add_meta(self, tick, message, has_name):
+    def add_meta(self, number, tick, message, has_name):
         kind = message.type
         if kind == "set_tempo":
             self.tempos[tick] += 1
         elif kind == "time_signature":
             self.signatures[tick] += 1
+        elif kind == "key_signature":
+            self.keys[tick, number] += 1
         elif kind == "track_name":
             if has_name:
                 self.not_kept["further track name"] += 1

@@ -33,4 +33,25 @@ TEST(Tool_GetNumChars, CountsCharactersNotBytes) {
   EXPECT_EQ(Tool_GetNumChars("Flöte ♫"), 7u);
 }
 
+TEST(Tool_GetKeyName, NamesMajorKeys) {
+  EXPECT_EQ(Tool_GetKeyName(0, false), "C major");
+  EXPECT_EQ(Tool_GetKeyName(1, false), "G major");
+  EXPECT_EQ(Tool_GetKeyName(5, false), "B major");
+  EXPECT_EQ(Tool_GetKeyName(6, false), "F-sharp major");
+  EXPECT_EQ(Tool_GetKeyName(7, false), "C-sharp major");
+  EXPECT_EQ(Tool_GetKeyName(-1, false), "F major");
+  EXPECT_EQ(Tool_GetKeyName(-2, false), "B-flat major");
+  EXPECT_EQ(Tool_GetKeyName(-7, false), "C-flat major");
+}
+
+TEST(Tool_GetKeyName, NamesMinorKeys) {
+  EXPECT_EQ(Tool_GetKeyName(0, true), "A minor");
+  EXPECT_EQ(Tool_GetKeyName(2, true), "B minor");
+  EXPECT_EQ(Tool_GetKeyName(3, true), "F-sharp minor");
+  EXPECT_EQ(Tool_GetKeyName(7, true), "A-sharp minor");
+  EXPECT_EQ(Tool_GetKeyName(-1, true), "D minor");
+  EXPECT_EQ(Tool_GetKeyName(-5, true), "B-flat minor");
+  EXPECT_EQ(Tool_GetKeyName(-7, true), "A-flat minor");
+}
+
 }  // namespace

@@ -68,22 +68,49 @@ void PrintTempo(Tool_Output & ioOut, Host_MidiFile const & iFile) {
   ioOut.Print("\n");
 }
 
-void PrintTimeSignatures(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+// What counts from one bar on.
+struct BarMark {
+  Time_Tick mTime;
+  std::string mText;
+};
+
+void PrintMarks(Tool_Output & ioOut, Host_BarMap const & iBars, char const * iLabel,
+                std::vector<BarMark> const & iMarks) {
   constexpr size_t kMaxShown = 6;
-  Host_BarMap const bars(iFile.mTimeSignatures);
-  std::vector<Host_TimeSignature> const & signatures = iFile.mTimeSignatures;
-  bool const isFromBeginning = !signatures.empty() && signatures.front().mTime.AsInt64() == 0;
-  ioOut.Print("  meter    {}", isFromBeginning ? "" : "4/4");
-  for (size_t i = 0; i < std::min(signatures.size(), kMaxShown); ++i) {
-    Host_TimeSignature const & signature = signatures[i];
-    if (i > 0 || !isFromBeginning) ioOut.Print(", ");
-    ioOut.Print("{}/{}", signature.mNumerator, signature.mDenominator);
-    if (signature.mTime.AsInt64() > 0) {
-      ioOut.Print(" from bar {}", bars.ToBar(signature.mTime).mBar);
+  ioOut.Print("  {:8} ", iLabel);
+  for (size_t i = 0; i < std::min(iMarks.size(), kMaxShown); ++i) {
+    ioOut.Print("{}{}", i == 0 ? "" : ", ", iMarks[i].mText);
+    if (iMarks[i].mTime.AsInt64() > 0) {
+      ioOut.Print(" from bar {}", iBars.ToBar(iMarks[i].mTime).mBar);
     }
   }
-  if (signatures.size() > kMaxShown) ioOut.Print(", ... {} in all", signatures.size());
+  if (iMarks.size() > kMaxShown) ioOut.Print(", ... {} in all", iMarks.size());
   ioOut.Print("\n");
+}
+
+void PrintTimeSignatures(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+  std::vector<BarMark> marks;
+  for (Host_TimeSignature const & signature : iFile.mTimeSignatures) {
+    if (marks.empty() && signature.mTime.AsInt64() > 0) marks.push_back({Time_Tick(0), "4/4"});
+    marks.push_back(
+        {signature.mTime, fmt::format("{}/{}", signature.mNumerator, signature.mDenominator)});
+  }
+  if (marks.empty()) marks.push_back({Time_Tick(0), "4/4"});
+  PrintMarks(ioOut, Host_BarMap(iFile.mTimeSignatures), "meter", marks);
+}
+
+// The keys of all tracks; one that several tracks have at one time is told once.
+void PrintKeySignatures(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+  std::vector<BarMark> marks;
+  for (Host_KeySignature const & signature : iFile.mKeySignatures) {
+    BarMark const mark = {signature.mTime,
+                          Tool_GetKeyName(signature.mNumSharps, signature.mIsMinor)};
+    bool const isTold = std::any_of(marks.rbegin(), marks.rend(), [&](BarMark const & iOther) {
+      return iOther.mTime.AsInt64() == mark.mTime.AsInt64() && iOther.mText == mark.mText;
+    });
+    if (!isTold) marks.push_back(mark);
+  }
+  if (!marks.empty()) PrintMarks(ioOut, Host_BarMap(iFile.mTimeSignatures), "key", marks);
 }
 
 std::string ListControllers(Tool_Tally const & iTally) {
@@ -157,6 +184,7 @@ int Tool_InfoCommand::Run() const {
   PrintLength(out, file);
   PrintTempo(out, file);
   PrintTimeSignatures(out, file);
+  PrintKeySignatures(out, file);
   out.Print("  holds    {}, {}\n", Plural(static_cast<long long>(file.mTracks.size()), "track"),
             Plural(static_cast<long long>(file.mClips.size()), "clip"));
   if (!file.mClips.empty()) PrintClips(out, file);

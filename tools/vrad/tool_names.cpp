@@ -44,3 +44,12 @@ size_t Tool_GetNumChars(std::string const & iName) {
     result += (static_cast<unsigned char>(c) & 0xc0) != 0x80 ? 1u : 0u;
   return result;
 }
+
+std::string Tool_GetKeyName(int iNumSharps, bool iIsMinor) {
+  // Each a fifth above the one before. The minor key of the same signature lies three steps on.
+  static constexpr char kLetters[] = "FCGDAEB";
+  int const step = iNumSharps + 8 + (iIsMinor ? 3 : 0);
+  int const accidental = step / 7 - 1;
+  char const * const sign = accidental < 0 ? "-flat" : accidental > 0 ? "-sharp" : "";
+  return std::string(1, kLetters[step % 7]) + sign + (iIsMinor ? " minor" : " major");
+}

@@ -1,4 +1,4 @@
-// Names from files, made fit for a terminal.
+// Names for a terminal: those from files, made fit for it, and those of keys.
 #pragma once
 
 #include <string>
@@ -9,3 +9,6 @@ std::string Tool_MakePrintable(std::string const & iName, size_t iMaxChars);
 
 /// In characters, not bytes. Needs: what `Tool_MakePrintable` gives.
 size_t Tool_GetNumChars(std::string const & iName);
+
+/// As in "E-flat major". iNumSharps -7 to 7, below 0 flats.
+std::string Tool_GetKeyName(int iNumSharps, bool iIsMinor);
