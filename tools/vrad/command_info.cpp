@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -101,14 +103,13 @@ void PrintTimeSignatures(Tool_Output & ioOut, Host_MidiFile const & iFile) {
 
 // The keys of all tracks; one that several tracks have at one time is told once.
 void PrintKeySignatures(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+  std::set<std::pair<long long, std::string>> told;
   std::vector<BarMark> marks;
   for (Host_KeySignature const & signature : iFile.mKeySignatures) {
     BarMark const mark = {signature.mTime,
                           Tool_GetKeyName(signature.mNumSharps, signature.mIsMinor)};
-    bool const isTold = std::any_of(marks.rbegin(), marks.rend(), [&](BarMark const & iOther) {
-      return iOther.mTime.AsInt64() == mark.mTime.AsInt64() && iOther.mText == mark.mText;
-    });
-    if (!isTold) marks.push_back(mark);
+    bool const isNew = told.emplace(mark.mTime.AsInt64(), mark.mText).second;
+    if (isNew) marks.push_back(mark);
   }
   if (!marks.empty()) PrintMarks(ioOut, Host_BarMap(iFile.mTimeSignatures), "key", marks);
 }
