@@ -1,0 +1,76 @@
+// A heap that refuses what a test wants refused, and counts what is in use. Include in one source
+// file of a program: it replaces the global allocation operators.
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+namespace refusing_heap {
+
+inline long long gNumInUse = 0;     // blocks
+inline long long gNumLeft = -1;     // that many more requests are granted, then none; -1: all are
+
+inline void * TakeOrNull(size_t iSize) noexcept {
+  if (gNumLeft == 0) return nullptr;
+  if (gNumLeft > 0) --gNumLeft;
+  void * const block = std::malloc(iSize);
+  if (block) ++gNumInUse;
+  return block;
+}
+
+inline void * Take(size_t iSize) {
+  void * const block = TakeOrNull(iSize);
+  if (!block) throw std::bad_alloc();
+  return block;
+}
+
+inline void GiveBack(void * iBlock) noexcept {
+  if (iBlock) --gNumInUse;
+  std::free(iBlock);
+}
+
+/// Runs the body with the first request refused, then the second, and so on until it passes;
+/// after each refusal runs the check. Gives how often the body was refused.
+template <class TBody, class TCheck>
+int ForEveryRefusal(TBody iBody, TCheck iCheck) {
+  for (int num = 0;; ++num) {
+    gNumLeft = num;
+    try {
+      iBody();
+      gNumLeft = -1;
+      return num;
+    } catch (std::bad_alloc const &) {
+      gNumLeft = -1;
+    }
+    iCheck();
+  }
+}
+
+}  // namespace refusing_heap
+
+void * operator new(size_t iSize) {
+  return refusing_heap::Take(iSize);
+}
+void * operator new[](size_t iSize) {
+  return refusing_heap::Take(iSize);
+}
+// Replaced too: a sanitizer's own would hand out blocks of its own making.
+void * operator new(size_t iSize, std::nothrow_t const &) noexcept {
+  return refusing_heap::TakeOrNull(iSize);
+}
+void * operator new[](size_t iSize, std::nothrow_t const &) noexcept {
+  return refusing_heap::TakeOrNull(iSize);
+}
+void operator delete(void * iBlock) noexcept {
+  refusing_heap::GiveBack(iBlock);
+}
+void operator delete[](void * iBlock) noexcept {
+  refusing_heap::GiveBack(iBlock);
+}
+void operator delete(void * iBlock, size_t) noexcept {
+  refusing_heap::GiveBack(iBlock);
+}
+void operator delete[](void * iBlock, size_t) noexcept {
+  refusing_heap::GiveBack(iBlock);
+}

@@ -1,0 +1,526 @@
+#include "vrad/vrad_scrub.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <type_traits>
+
+#include "cmn/cmn_assert.h"
+#include "support/event_samples.h"
+#include "support/realtime_scope.h"
+#include "support/scrub_printing.h"
+
+namespace {
+
+constexpr char const * kNoteText =
+    "mU.mBase.mType == kNoteWithDuration || mU.mBase.mType == kPitchToMIDINoteWithDuration";
+constexpr char const * kBendText = "mU.mBase.mType == kPitchBend";
+
+Vrad_ScrubEvent MakeEvent(long long iTime, int iType) {
+  Vrad_ScrubEvent event;
+  event.mTime = iTime;
+  event.mType = iType;
+  return event;
+}
+
+bool GoesBefore(long long iTimeA, int iTypeA, long long iTimeB, int iTypeB) {
+  Vrad_ScrubEvent const a = MakeEvent(iTimeA, iTypeA), b = MakeEvent(iTimeB, iTypeB);
+  return a.GoesBefore(&b);
+}
+
+bool IsAfter(long long iTime, int iType, long long iPosition) {
+  Vrad_ScrubEvent const event = MakeEvent(iTime, iType);
+  return Vrad_ScrubList().EventIsAfterTime(&event, iPosition);
+}
+
+int GetNumFree() {
+  int num = 0;
+  for (Vrad_ScrubEvent const * p = Vrad_ScrubEventPool::sFirstEvent; p; p = p->mNextP)
+    ++num;
+  return num;
+}
+
+// Every node taken in the scope comes back at its end, linked as before or not.
+class NodeCount : public testing::Test {
+protected:
+  NodeCount() {
+    Vrad_ScrubEventPool::ReleaseEvent(Vrad_ScrubEventPool::GetEvent());
+    mNumFree = GetNumFree();
+  }
+  int mNumFree;
+};
+
+typedef NodeCount Vrad_ScrubEventPool_Nodes;
+
+}  // namespace
+
+static_assert(!std::is_copy_constructible_v<Vrad_ScrubList>);
+static_assert(!std::is_copy_assignable_v<Vrad_ScrubList>);
+static_assert(!std::is_copy_constructible_v<Vrad_ScrubEventPool>);
+static_assert(std::is_same_v<decltype(Vrad_ScrubEvent::mTime), long long>);
+static_assert(std::is_same_v<decltype(Vrad_ScrubEvent::mValue), short>);
+static_assert(std::is_same_v<decltype(Vrad_ScrubEvent::mType), int>);
+static_assert(std::is_same_v<decltype(Vrad_ScrubEvent::mOnVelocity), signed char>);
+static_assert(std::is_same_v<decltype(Vrad_ScrubEvent::mOffVelocity), signed char>);
+
+TEST(Vrad_ScrubEvent, EarlierTimeGoesFirst) {
+  EXPECT_TRUE(GoesBefore(1, 3, 2, 0));
+  EXPECT_FALSE(GoesBefore(2, 0, 1, 3));
+  EXPECT_TRUE(GoesBefore(-2, 3, -1, 0));
+}
+
+TEST(Vrad_ScrubEvent, AtOneTimeNoteEndOldBendNewBendNoteStart) {
+  for (int a = 0; a < 4; ++a)
+    for (int b = 0; b < 4; ++b)
+      EXPECT_EQ(GoesBefore(5, a, 5, b), a < b) << a << " " << b;
+}
+
+TEST(Vrad_ScrubList_EventIsAfterTime, ComparesTimesFirst) {
+  EXPECT_TRUE(IsAfter(11, 0, 10));
+  EXPECT_FALSE(IsAfter(9, 3, 10));
+}
+
+TEST(Vrad_ScrubList_EventIsAfterTime, AtTheTimeItselfFromTheNewBendOn) {
+  EXPECT_FALSE(IsAfter(10, 0, 10));
+  EXPECT_FALSE(IsAfter(10, 1, 10));
+  EXPECT_TRUE(IsAfter(10, 2, 10));
+  EXPECT_TRUE(IsAfter(10, 3, 10));
+}
+
+TEST(Vrad_ScrubList, EmptyGivesNothingInEitherDirection) {
+  Vrad_ScrubList list;
+  EXPECT_EQ(list.MoveTowards(Time_Tick(100)), nullptr);
+  EXPECT_EQ(list.MoveTowards(Time_Tick(-100)), nullptr);
+}
+
+// Seen by what is ahead of the first note added.
+TEST(Vrad_ScrubList, EmptyRecordsThePosition) {
+  Vrad_ScrubList list;
+  list.MoveTowards(Time_Tick(100));
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  EXPECT_EQ(MoveTo(list, 200), "");
+  EXPECT_EQ(MoveTo(list, 0), "end60@30 start60@10");
+}
+
+TEST(Vrad_ScrubList, StartsAtPositionNought) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, -20, 10), false);
+  list.AddNote(ScrubNote(61, 20, 10), false);
+  EXPECT_EQ(MoveTo(list, 100), "start61@20 end61@30");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, GivesOneTransitionAtATime) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "start60@10");
+  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "end60@30");
+  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "none");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, GoesBackTheSameWay) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  MoveTo(list, 100);
+  EXPECT_EQ(MoveTo(list, 0), "end60@30 start60@10");
+  EXPECT_EQ(MoveTo(list, 100), "start60@10 end60@30");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, PassesANoteEndAtTheTimeItself) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  EXPECT_EQ(MoveTo(list, 29), "start60@10");
+  EXPECT_EQ(MoveTo(list, 30), "end60@30");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, DoesNotPassANoteStartAtTheTimeItself) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  EXPECT_EQ(MoveTo(list, 10), "");
+  EXPECT_EQ(MoveTo(list, 11), "start60@10");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, GoingBackPassesANoteStartAtTheTimeItself) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  MoveTo(list, 15);
+  EXPECT_EQ(MoveTo(list, 11), "");
+  EXPECT_EQ(MoveTo(list, 10), "start60@10");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, GoingBackDoesNotPassANoteEndAtTheTimeItself) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  MoveTo(list, 100);
+  EXPECT_EQ(MoveTo(list, 30), "");
+  EXPECT_EQ(MoveTo(list, 29), "end60@30");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, AtTheTimeOfABendTheOldOneIsPassedAndTheNewOneNot) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 0, 5), false);
+  list.AddPitchBend(ScrubBend(100, 10), 7, false);
+  EXPECT_EQ(MoveTo(list, 10), "start60@0 end60@5 from7@10");
+  EXPECT_EQ(MoveTo(list, 11), "to100@10");
+  EXPECT_EQ(MoveTo(list, 10), "to100@10");
+  EXPECT_EQ(MoveTo(list, 9), "from7@10");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, ToWhereItIsGivesNothing) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  MoveTo(list, 20);
+  EXPECT_EQ(MoveTo(list, 20), "");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, MovesOnPastTheEndWithoutLookingBack) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  MoveTo(list, 40);
+  EXPECT_EQ(MoveTo(list, 50), "");
+  EXPECT_EQ(MoveTo(list, 45), "");
+  EXPECT_EQ(MoveTo(list, 29), "end60@30");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, PositionOfAStepIsThatOfItsTransition) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "start60@10");
+  // The position is 10, so that this note lies ahead of it and right before the cursor.
+  list.AddNote(ScrubNote(61, 20, 50), true);
+  EXPECT_EQ(MoveTo(list, 100), "start61@20 end60@30 end61@70");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, ReadsTheCountOfAnyUnit) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  EXPECT_EQ(Print(list.MoveTowards(Time_Sample(11))), "start60@10");
+}
+
+TEST(Vrad_ScrubList_AddNote, CarriesPitchAndBothVelocitiesAtBothEnds) {
+  Vrad_ScrubList list;
+  list.AddNote(
+      Vrae_TimedEvent(Time_Tick(1), Vrae_NoteWithDurationEvent(61, Time_TickLength(2), 90, 33)),
+      false);
+  for (int i = 0; i < 2; ++i) {
+    Vrad_ScrubEvent const * const eventP = list.MoveTowards(Time_Tick(9));
+    ASSERT_NE(eventP, nullptr);
+    EXPECT_EQ(eventP->mValue, 61);
+    EXPECT_EQ(eventP->mOnVelocity, 90);
+    EXPECT_EQ(eventP->mOffVelocity, 33);
+    EXPECT_EQ(eventP->mType, i == 0 ? 3 : 0);
+    EXPECT_EQ(eventP->mTime, i == 0 ? 1 : 3);
+  }
+}
+
+TEST(Vrad_ScrubList_AddNote, AddsTheRawDurationWhateverItsUnit) {
+  Vrad_ScrubList list;
+  Vrae_NoteWithDurationEvent const note(60, Time_SampleLength(5), 80, 64);
+  list.AddNote(Vrae_TimedEvent(Time_Tick(10), note), false);
+  EXPECT_EQ(MoveTo(list, 100), "start60@10 end60@15");
+}
+
+TEST(Vrad_ScrubList_AddNote, TakesANoteWithAFractionalPitch) {
+  Cmn_AssertRecorder const recorder;
+  Vrad_ScrubList list;
+  list.AddNote(Vrae_TimedEvent(Time_Tick(10), MakeSampleEvent(22)), false);
+  EXPECT_EQ(recorder.GetNum(), 0);
+  EXPECT_EQ(MoveTo(list, 1000), "start60@10 end60@490");
+}
+
+TEST(Vrad_ScrubList_AddNote, ReportsAnyOtherKindOnceAndReadsItAsItLies) {
+  Cmn_AssertRecorder const recorder;
+  Vrad_ScrubList list;
+  list.AddNote(Vrae_TimedEvent(Time_Tick(10), MakeBlankEvent(Vrae_Event::kController)), false);
+  EXPECT_EQ(recorder.GetNum(kNoteText), 1);
+  EXPECT_EQ(recorder.GetNum(), 1);
+  EXPECT_EQ(MoveTo(list, 11), "start0@10 end0@10");
+}
+
+TEST(Vrad_ScrubList_AddNote, FirstNoteAheadBeginsAtItsStart) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 0, 5), false);
+  EXPECT_EQ(MoveTo(list, 1), "start60@0");
+}
+
+TEST(Vrad_ScrubList_AddNote, FirstNoteSoundingAtThePositionHasItsEndAhead) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, -5, 10), true);
+  EXPECT_EQ(MoveTo(list, 100), "end60@5");
+}
+
+TEST(Vrad_ScrubList_AddNote, FirstNotePassedLeavesTheCursorPastTheEnd) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, -5, 5), false);
+  EXPECT_EQ(MoveTo(list, 100), "");
+  EXPECT_EQ(MoveTo(list, -10), "end60@0 start60@-5");
+}
+
+TEST(Vrad_ScrubList_AddNote, FromHeadAlikeStartsStandLastAddedFirst) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  list.AddNote(ScrubNote(61, 10, 20), false);
+  EXPECT_EQ(MoveTo(list, 100), "start61@10 start60@10 end61@30 end60@30");
+}
+
+TEST(Vrad_ScrubList_AddNote, FromEndAlikeStartsStandLastAddedLast) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), true);
+  list.AddNote(ScrubNote(61, 10, 20), true);
+  EXPECT_EQ(MoveTo(list, 100), "start60@10 start61@10 end60@30 end61@30");
+}
+
+TEST(Vrad_ScrubList_AddNote, GoesBetweenWhatIsThereFromEitherSide) {
+  for (bool isFromEnd : {false, true}) {
+    Vrad_ScrubList list;
+    list.AddNote(ScrubNote(60, 10, 90), isFromEnd);
+    list.AddNote(ScrubNote(61, 30, 10), isFromEnd);
+    list.AddNote(ScrubNote(62, 20, 100), isFromEnd);
+    list.AddNote(ScrubNote(63, 5, 1), isFromEnd);
+    EXPECT_EQ(MoveTo(list, 1000),
+              "start63@5 end63@6 start60@10 start62@20 start61@30 end61@40 end60@100 end62@120")
+        << isFromEnd;
+    EXPECT_EQ(MoveTo(list, 0),
+              "end62@120 end60@100 end61@40 start61@30 start62@20 start60@10 end63@6 start63@5")
+        << isFromEnd;
+  }
+}
+
+TEST(Vrad_ScrubList_AddNote, AheadOfTheCursorIsPlayedNext) {
+  for (bool isFromEnd : {false, true}) {
+    Vrad_ScrubList list;
+    list.AddNote(ScrubNote(60, 100, 10), false);
+    MoveTo(list, 50);
+    list.AddNote(ScrubNote(61, 60, 10), isFromEnd);
+    EXPECT_EQ(MoveTo(list, 80), "start61@60 end61@70") << isFromEnd;
+  }
+}
+
+TEST(Vrad_ScrubList_AddNote, BehindTheCursorIsNotPlayedNext) {
+  for (bool isFromEnd : {false, true}) {
+    Vrad_ScrubList list;
+    list.AddNote(ScrubNote(60, 100, 10), false);
+    MoveTo(list, 50);
+    list.AddNote(ScrubNote(61, 30, 10), isFromEnd);
+    EXPECT_EQ(MoveTo(list, 80), "") << isFromEnd;
+    EXPECT_EQ(MoveTo(list, 35), "end61@40") << isFromEnd;
+  }
+}
+
+TEST(Vrad_ScrubList_AddNote, AcrossTheCursorHasItsEndAheadAlone) {
+  for (bool isFromEnd : {false, true}) {
+    Vrad_ScrubList list;
+    list.AddNote(ScrubNote(60, 100, 10), false);
+    MoveTo(list, 50);
+    list.AddNote(ScrubNote(61, 40, 20), isFromEnd);
+    EXPECT_EQ(MoveTo(list, 80), "end61@60") << isFromEnd;
+  }
+}
+
+TEST(Vrad_ScrubList_AddNote, AtTheTailWithTheCursorPastTheEndIsPlayedNext) {
+  for (bool isFromEnd : {false, true}) {
+    Vrad_ScrubList list;
+    list.AddNote(ScrubNote(60, 10, 10), false);
+    MoveTo(list, 50);
+    list.AddNote(ScrubNote(61, 60, 10), isFromEnd);
+    EXPECT_EQ(MoveTo(list, 80), "start61@60 end61@70") << isFromEnd;
+  }
+}
+
+TEST(Vrad_ScrubList_AddNote, StartAtThePositionLiesAheadAndEndThereDoesNot) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 100, 10), false);
+  MoveTo(list, 50);
+  list.AddNote(ScrubNote(61, 50, 10), false);
+  list.AddNote(ScrubNote(62, 40, 10), false);
+  EXPECT_EQ(MoveTo(list, 80), "start61@50 end61@60");
+}
+
+// The look for the end's place goes on behind the start.
+TEST(Vrad_ScrubList_AddNote, OfNoLengthFromHeadEndsBehindItsStart) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 100, 10), false);
+  Vrae_TimedEvent note = ScrubNote(61, 10, 1);
+  note.mEvent.mU.mNoteWithDuration.mDuration = 0;
+  list.AddNote(note, false);
+  EXPECT_EQ(MoveTo(list, 20), "start61@10 end61@10");
+}
+
+TEST(Vrad_ScrubList_AddNote, OfNoLengthFromEndStartsBehindItsEnd) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 100, 10), false);
+  Vrae_TimedEvent note = ScrubNote(61, 10, 1);
+  note.mEvent.mU.mNoteWithDuration.mDuration = 0;
+  list.AddNote(note, true);
+  EXPECT_EQ(MoveTo(list, 20), "end61@10 start61@10");
+}
+
+TEST(Vrad_ScrubList_AddNote, AtTheEndOfTimeEndsThere) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, Time_Saturating::kMax - 3, 10), false);
+  EXPECT_EQ(MoveTo(list, Time_Saturating::kMax),
+            "start60@9223372036854775804 end60@9223372036854775807");
+}
+
+TEST(Vrad_ScrubList_AddPitchBend, ReportsAnyOtherKindOnce) {
+  Cmn_AssertRecorder const recorder;
+  Vrad_ScrubList list;
+  list.AddPitchBend(Vrae_TimedEvent(Time_Tick(10), MakeBlankEvent(Vrae_Event::kNoteOn)), 5, false);
+  EXPECT_EQ(recorder.GetNum(kBendText), 1);
+  EXPECT_EQ(recorder.GetNum(), 1);
+}
+
+TEST(Vrad_ScrubList_AddPitchBend, HoldsTheBendBeforeAndTheEvents) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 0, 1), false);
+  list.AddPitchBend(ScrubBend(-8192, 10), 8191, false);
+  EXPECT_EQ(MoveTo(list, 20), "start60@0 end60@1 from8191@10 to-8192@10");
+}
+
+TEST(Vrad_ScrubList_AddPitchBend, HasNoVelocities) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 0, 1), false);
+  list.Clear();
+  list.AddPitchBend(ScrubBend(5, 10), 0, false);
+  Vrad_ScrubEvent const * const eventP = list.MoveTowards(Time_Tick(0));
+  ASSERT_NE(eventP, nullptr);
+  EXPECT_EQ(eventP->mOnVelocity, 0);
+  EXPECT_EQ(eventP->mOffVelocity, 0);
+}
+
+TEST(Vrad_ScrubList_AddPitchBend, IntoAnEmptyListCountsAsPassed) {
+  for (bool isFromEnd : {false, true}) {
+    Vrad_ScrubList list;
+    list.AddPitchBend(ScrubBend(100, 10), 7, isFromEnd);
+    EXPECT_EQ(MoveTo(list, 20), "") << isFromEnd;
+    EXPECT_EQ(MoveTo(list, 0), "to100@10 from7@10") << isFromEnd;
+    EXPECT_EQ(MoveTo(list, 20), "from7@10 to100@10") << isFromEnd;
+  }
+}
+
+TEST(Vrad_ScrubList_AddPitchBend, IntoAListWithANoteIsPlayedNext) {
+  for (bool isFromEnd : {false, true}) {
+    Vrad_ScrubList list;
+    list.AddNote(ScrubNote(60, 100, 10), false);
+    list.AddPitchBend(ScrubBend(100, 10), 7, isFromEnd);
+    EXPECT_EQ(MoveTo(list, 20), "from7@10 to100@10") << isFromEnd;
+  }
+}
+
+TEST(Vrad_ScrubList_AddPitchBend, AtThePositionHasTheNewBendAhead) {
+  for (bool isFromEnd : {false, true}) {
+    Vrad_ScrubList list;
+    list.AddNote(ScrubNote(60, 100, 10), false);
+    MoveTo(list, 10);
+    list.AddPitchBend(ScrubBend(100, 10), 7, isFromEnd);
+    EXPECT_EQ(MoveTo(list, 20), "to100@10") << isFromEnd;
+  }
+}
+
+TEST(Vrad_ScrubList_AddPitchBend, OldBendNewBendNoteStartAtOneTimeInWhateverOrderTheyCame) {
+  for (bool isFromEnd : {false, true}) {
+    Vrad_ScrubList list, other;
+    list.AddNote(ScrubNote(61, 4, 6), isFromEnd);
+    list.AddNote(ScrubNote(60, 10, 5), isFromEnd);
+    list.AddPitchBend(ScrubBend(100, 10), 7, isFromEnd);
+    EXPECT_EQ(MoveTo(list, 12), "start61@4 end61@10 from7@10 to100@10 start60@10") << isFromEnd;
+    other.AddNote(ScrubNote(61, 4, 6), isFromEnd);
+    other.AddPitchBend(ScrubBend(100, 10), 7, isFromEnd);
+    other.AddNote(ScrubNote(60, 10, 5), isFromEnd);
+    EXPECT_EQ(MoveTo(other, 12), "start61@4 end61@10 from7@10 to100@10 start60@10") << isFromEnd;
+  }
+}
+
+TEST(Vrad_ScrubList_AddPitchBend, TwoBendsAtOneTimeStandOldOnesFirst) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 5), true);
+  list.AddPitchBend(ScrubBend(100, 10), 7, true);
+  list.AddPitchBend(ScrubBend(200, 10), 100, true);
+  EXPECT_EQ(MoveTo(list, 12), "from7@10 from100@10 to100@10 to200@10 start60@10");
+}
+
+TEST(Vrad_ScrubList_Clear, KeepsThePosition) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  MoveTo(list, 50);
+  list.Clear();
+  list.AddNote(ScrubNote(61, 10, 20), false);
+  EXPECT_EQ(MoveTo(list, 100), "");
+  EXPECT_EQ(MoveTo(list, 0), "end61@30 start61@10");
+}
+
+TEST(Vrad_ScrubList_Clear, LeavesNothingToMoveOver) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  list.Clear();
+  EXPECT_EQ(MoveTo(list, 100), "");
+  EXPECT_EQ(MoveTo(list, 0), "");
+}
+
+TEST_F(Vrad_ScrubEventPool_Nodes, ComeBackByClear) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  list.AddPitchBend(ScrubBend(100, 10), 7, false);
+  EXPECT_EQ(GetNumFree(), mNumFree - 4);
+  list.Clear();
+  EXPECT_EQ(GetNumFree(), mNumFree);
+}
+
+TEST_F(Vrad_ScrubEventPool_Nodes, ComeBackWithTheList) {
+  {
+    Vrad_ScrubList list;
+    list.AddNote(ScrubNote(60, 10, 20), false);
+  }
+  EXPECT_EQ(GetNumFree(), mNumFree);
+}
+
+TEST_F(Vrad_ScrubEventPool_Nodes, LastReleasedIsTakenFirst) {
+  Vrad_ScrubEvent * const eventP = Vrad_ScrubEventPool::GetEvent();
+  Vrad_ScrubEventPool::ReleaseEvent(eventP);
+  EXPECT_EQ(Vrad_ScrubEventPool::GetEvent(), eventP);
+  Vrad_ScrubEventPool::ReleaseEvent(eventP);
+}
+
+TEST_F(Vrad_ScrubEventPool_Nodes, ReleasingGivesTheFormerLink) {
+  Vrad_ScrubEvent * const aP = Vrad_ScrubEventPool::GetEvent();
+  Vrad_ScrubEvent * const bP = Vrad_ScrubEventPool::GetEvent();
+  aP->mNextP = bP;
+  bP->mNextP = nullptr;
+  EXPECT_EQ(Vrad_ScrubEventPool::ReleaseEvent(aP), bP);
+  EXPECT_EQ(Vrad_ScrubEventPool::ReleaseEvent(bP), nullptr);
+  EXPECT_EQ(GetNumFree(), mNumFree);
+}
+
+TEST_F(Vrad_ScrubEventPool_Nodes, TakingAndReleasingStaysOffTheHeap) {
+  Vrad_ScrubList list;
+  EXPECT_EQ("", RealtimeViolationsOf([&] {
+              list.AddNote(ScrubNote(60, 10, 20), false);
+              list.AddPitchBend(ScrubBend(100, 10), 7, true);
+              while (list.MoveTowards(Time_Tick(50))) {
+              }
+              list.Clear();
+            }));
+}
+
+TEST_F(Vrad_ScrubEventPool_Nodes, RunningDryAddsOneBlockOf1024) {
+  std::set<Vrad_ScrubEvent *> taken;
+  for (int i = 0; i < mNumFree; ++i)
+    taken.insert(Vrad_ScrubEventPool::GetEvent());
+  EXPECT_EQ(Vrad_ScrubEventPool::sFirstEvent, nullptr);
+  Vrad_ScrubEventPool * const formerP = Vrad_ScrubEventPool::sFirstPool;
+  taken.insert(Vrad_ScrubEventPool::GetEvent());
+  EXPECT_NE(Vrad_ScrubEventPool::sFirstPool, formerP);
+  EXPECT_EQ(GetNumFree(), 1023);
+  EXPECT_EQ(taken.size(), static_cast<size_t>(mNumFree) + 1);
+  for (Vrad_ScrubEvent * const eventP : taken)
+    Vrad_ScrubEventPool::ReleaseEvent(eventP);
+  EXPECT_EQ(GetNumFree(), mNumFree + 1024);
+}
+
+TEST_F(Vrad_ScrubEventPool_Nodes, NewBlockGoesInFrontOfTheFreeOnes) {
+  Vrad_ScrubEvent const * const formerP = Vrad_ScrubEventPool::sFirstEvent;
+  Vrad_ScrubEventPool * const poolP = new Vrad_ScrubEventPool;
+  EXPECT_EQ(Vrad_ScrubEventPool::sFirstPool, poolP);
+  EXPECT_NE(Vrad_ScrubEventPool::sFirstEvent, formerP);
+  EXPECT_EQ(GetNumFree(), mNumFree + 1024);
+}
