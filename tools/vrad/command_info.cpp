@@ -11,6 +11,7 @@
 #include "tools/vrad/tool_event.h"
 #include "tools/vrad/tool_load.h"
 #include "tools/vrad/tool_names.h"
+#include "tools/vrad/tool_options.h"
 #include "tools/vrad/tool_output.h"
 #include "tools/vrad/tool_tally.h"
 
@@ -173,7 +174,7 @@ void PrintProblems(Tool_Output & ioOut, Host_MidiReport const & iReport) {
 CLI::App * Tool_InfoCommand::AddTo(CLI::App & ioApp) {
   CLI::App * const command = ioApp.add_subcommand(
       "info", "Show what a file holds: tracks, clips, counts, length, tempo, what is not kept");
-  command->add_option("FILE", mFile, "A Standard MIDI File")->required();
+  Tool_AddFileOption(*command, mFile);
   return command;
 }
 

@@ -1,6 +1,9 @@
 // One retrieved event as a line of text or as a JSON object.
 #pragma once
 
+#include <span>
+#include <string>
+
 #include "foundation/time_typed.h"
 #include "host/host_midibars.h"
 #include "tools/vrad/tool_output.h"
@@ -29,6 +32,22 @@ void Tool_PrintEventAsJSON(Tool_Output & ioOut, Tool_EventSource const & iSource
 /// One line: bar, time, what it is.
 void Tool_PrintEventAsText(Tool_Output & ioOut, Host_BarMap const & iBars,
                            Tool_RetrievedEvent const & iEvent);
+
+/// The beginning of an object, down to the unit of its time.
+void Tool_PrintSourceAsJSON(Tool_Output & ioOut, Tool_EventSource const & iSource,
+                            Time_Typed iTime);
+
+/// The beginning of a line: bar and time.
+void Tool_PrintPlace(Tool_Output & ioOut, Host_BarMap const & iBars, Time_Typed iTime);
+
+/// What the event is, without a line end.
+void Tool_DescribeEvent(Tool_Output & ioOut, Vrae_Event const & iEvent);
+
+/// As in "60 C4".
+std::string Tool_FormatPitch(int iPitch);
+
+/// At most iMaxBytes in hexadecimal digits with blanks between.
+void Tool_PrintBytes(Tool_Output & ioOut, std::span<unsigned char const> iBytes, size_t iMaxBytes);
 
 /// "t" or "s".
 char const * Tool_GetUnit(Time_EType iType);

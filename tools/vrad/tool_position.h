@@ -11,6 +11,11 @@
 /// place in bars ("3:1", "3:2:480000") until a file says where that is.
 typedef std::variant<Time_Typed, Host_BarPosition> Tool_Position;
 
+/// The forms, as the help of a command tells them.
+constexpr char const * kTool_PositionHelp =
+    "POS is 960000t (ticks, 960000 to the quarter note), 48000s (samples),\n"
+    "12.5sec, or BAR:BEAT[:TICK] with bars and beats from 1.";
+
 /// Fails: Tool_UsageError that begins with iOption.
 Tool_Position Tool_ParsePosition(std::string const & iOption, std::string const & iText);
 

@@ -1,12 +1,12 @@
 #include "tools/vrad/tool_range.h"
 
-#include <charconv>
-
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include "tools/vrad/tool_clips.h"
 #include "tools/vrad/tool_error.h"
 #include "tools/vrad/tool_filter.h"
+#include "tools/vrad/tool_options.h"
 #include "vrad/vrad_extendedeventlist.h"
 
 namespace {
@@ -32,39 +32,15 @@ Vrae_Filter ParseFilter(std::optional<std::string> const & iText) {
   return iText ? Tool_ParseFilter("--filter", *iText) : Vrae_Filter().SetAll();
 }
 
-// Always decimal, so that "010" is ten; an empty text is no number.
-std::optional<long long> ParseClip(std::optional<std::string> const & iText) {
-  if (!iText) return std::nullopt;
-  long long clip = 0;
-  char const * const end = iText->data() + iText->size();
-  auto const [stop, error] = std::from_chars(iText->data(), end, clip);
-  if (error == std::errc() && stop == end) return clip;
-  throw Tool_UsageError(fmt::format("--clip: '{}' is not the number of a clip", *iText));
-}
-
 ENoteOffInclusion ParseNoteOffs(std::string const & iText) {
   if (iText == "earliest") return kNoteOffInclusion_Earliest;
   return iText == "last" ? kNoteOffInclusion_Last : kNoteOffInclusion_None;
 }
 
-std::vector<int> SelectClips(std::optional<long long> iClip, int iNumClips) {
-  std::vector<int> result;
-  if (iClip && (*iClip < 0 || *iClip >= iNumClips)) {
-    throw Tool_UsageError(iNumClips == 0
-                              ? "--clip: the file has no clips"
-                              : fmt::format("--clip: the file has clips 0 to {}", iNumClips - 1));
-  }
-  for (int i = 0; i < iNumClips; ++i) {
-    if (!iClip || *iClip == i) result.push_back(i);
-  }
-  return result;
-}
-
 }  // namespace
 
 void Tool_RangeOptions::AddTo(CLI::App & ioCommand) {
-  ioCommand.add_option("--clip", mClip, "Only this clip, as numbered by 'vrad info'")
-      ->type_name("N");
+  Tool_AddClipOption(ioCommand, mClip);
   ioCommand.add_option("--from", mFrom, "Events at and after this position")->type_name("POS");
   ioCommand.add_option("--to", mTo, "Events before this position")->type_name("POS");
   ioCommand
@@ -84,13 +60,13 @@ void Tool_RangeOptions::AddTo(CLI::App & ioCommand) {
                   "earliest, last")
       ->type_name("WHICH")
       ->check(CLI::IsMember({"none", "earliest", "last"}));
-  ioCommand.footer("POS is 960000t (ticks, 960000 to the quarter note), 48000s (samples),\n"
-                   "12.5sec, or BAR:BEAT[:TICK] with bars and beats from 1. Ranges are exact to\n"
+  ioCommand.footer(std::string(kTool_PositionHelp) +
+                   " Ranges are exact to\n"
                    "the sample: a bound in ticks counts as the first tick of its sample.");
 }
 
 Tool_Range::Tool_Range(Tool_RangeOptions const & iOptions)
-    : mClip(ParseClip(iOptions.mClip)),
+    : mClip(Tool_ParseClip(iOptions.mClip)),
       mFrom(ParseOptional("--from", iOptions.mFrom)),
       mTo(ParseOptional("--to", iOptions.mTo)),
       mWindow(ParseWindow(iOptions.mWindow)),
@@ -101,7 +77,7 @@ Tool_Range::Tool_Range(Tool_RangeOptions const & iOptions)
 }
 
 void Tool_Range::Resolve(Host_MidiFile const & iFile) {
-  mClips = SelectClips(mClip, static_cast<int>(iFile.mClips.size()));
+  mClips = Tool_SelectClips(mClip, static_cast<int>(iFile.mClips.size()));
   ResolveTimes(Host_BarMap(iFile.mTimeSignatures));
 }
 
@@ -123,4 +99,10 @@ void Tool_Range::Retrieve(Vrad_Chunk const & iChunk, int iItemTag,
   iChunk.GetMidiEventsInRange(&ioList, mOffset, mStart, mEnd, mWindowStart, mWindowEnd, false,
                               nullptr, nullptr, mFilter, nullptr, mIsSkippingMuted, iItemTag,
                               mNoteOffs);
+}
+
+std::optional<Time_Typed> Tool_Range::GetShownTime(Time_Typed iTime) const {
+  Time_Typed const time = iTime - mOffset;
+  if (time < mWindowStart || !(time < mWindowEnd)) return std::nullopt;
+  return time;
 }

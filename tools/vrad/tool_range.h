@@ -42,6 +42,15 @@ public:
   /// The chunk's retrieval under these options. iItemTag goes into display items.
   void Retrieve(Vrad_Chunk const & iChunk, int iItemTag, Vrad_EventListWrapper & ioList) const;
 
+  /// Where the range begins and ends: the limits of time where nothing was said.
+  Time_Typed GetStart() const { return mStart; }
+  Time_Typed GetEnd() const { return mEnd; }
+
+  Vrae_Filter const & GetFilter() const { return mFilter; }
+
+  /// A time with the offset taken off, if the window holds it.
+  std::optional<Time_Typed> GetShownTime(Time_Typed iTime) const;
+
 private:
   typedef std::pair<Tool_Position, Tool_Position> Window;
 

@@ -1,0 +1,41 @@
+#include "tools/vrad/tool_clipprinter.h"
+
+#include "tools/vrad/tool_names.h"
+
+Tool_ClipPrinter::Tool_ClipPrinter(Host_MidiFile const & iFile, bool iIsText)
+    : mFile(iFile), mBars(iFile.mTimeSignatures), mIsText(iIsText) {}
+
+void Tool_ClipPrinter::BeginClip(int iClip) {
+  Host_Clip const & clip = mFile.mClips[static_cast<size_t>(iClip)];
+  mSource = {iClip, clip.mTrack, clip.mChannel};
+  if (!mIsText) return;
+  std::string const name =
+      Tool_MakePrintable(mFile.mTracks[static_cast<size_t>(clip.mTrack)].mName, 60);
+  std::string const channel =
+      clip.mChannel < 0 ? "no channel" : fmt::format("channel {}", clip.mChannel);
+  mOut.Print("{}clip {}: track {}, {}{}{}\n", mIsFirstClip ? "" : "\n", iClip, clip.mTrack, channel,
+             name.empty() ? "" : ", ", name);
+  mIsFirstClip = false;
+  mIsEmpty = true;
+}
+
+void Tool_ClipPrinter::Print(Tool_RetrievedEvent const & iEvent) {
+  if (!mIsText) return Tool_PrintEventAsJSON(mOut, mSource, iEvent);
+  PrintHeading();
+  Tool_PrintEventAsText(mOut, mBars, iEvent);
+}
+
+void Tool_ClipPrinter::Print(Tool_WireMessage const & iMessage) {
+  if (!mIsText) return Tool_PrintWireAsJSON(mOut, mSource, iMessage);
+  PrintHeading();
+  Tool_PrintWireAsText(mOut, mBars, iMessage);
+}
+
+void Tool_ClipPrinter::EndClip() {
+  if (mIsText && mIsEmpty) mOut.Print("{:>14}\n", "nothing");
+}
+
+void Tool_ClipPrinter::PrintHeading() {
+  if (mIsEmpty) mOut.Print("{:>14} {:>15}\n", "bar:beat:tick", "time");
+  mIsEmpty = false;
+}
