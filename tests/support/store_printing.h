@@ -4,10 +4,10 @@
 #include <string>
 
 #include "cmn/cmn_assert.h"
-#include "foundation/ticktimesmatter.h"
 #include "foundation/time_typed.h"
 #include "ndo/ndo_manager.h"
 #include "ndo/ndo_object.h"
+#include "support/tick_times_matter.h"
 #include "vrad/vrad_continuousdata.h"
 #include "vrad/vrad_extendedeventlist.h"
 #include "vrad/vrae_timedevent.h"
@@ -93,15 +93,6 @@ std::string PrintRest(TIter & ioIter) {
     AppendWord(line, Print(static_cast<Vrae_TimedEvent const &>(*ioIter)));
   return line;
 }
-
-/// Tick times matter for the length of a scope.
-class TickTimesMatterScope {
-public:
-  TickTimesMatterScope() { TickTimesMatter::SetActive(true); }
-  TickTimesMatterScope(TickTimesMatterScope const &) = delete;
-  TickTimesMatterScope & operator=(TickTimesMatterScope const &) = delete;
-  ~TickTimesMatterScope() { TickTimesMatter::SetActive(false); }
-};
 
 /// Checks go on instead of throwing, for the length of a scope.
 class NotThrowingScope {

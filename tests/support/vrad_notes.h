@@ -42,6 +42,16 @@ inline void AddNote(Vrad_NoteListBase & ioList, int iPitch, long long iTick, lon
   ioList.AddNote(StoredNote(iPitch, iTick, iTicks));
 }
 
+struct PlainNote {
+  int mPitch;
+  long long mTick;
+  long long mTicks;
+};
+inline void AddNotes(Vrad_NoteListBase & ioList, std::vector<PlainNote> const & iNotes) {
+  for (PlainNote const & note : iNotes)
+    AddNote(ioList, note.mPitch, note.mTick, note.mTicks);
+}
+
 inline std::string PrintCount(long long iCount, Time_EType iType) {
   return std::to_string(iCount) + (iType == Time_eType_Samples ? "s" : "");
 }
