@@ -9,6 +9,7 @@
 
 #include "tools/vrad/command_events.h"
 #include "tools/vrad/command_info.h"
+#include "tools/vrad/command_picture.h"
 #include "tools/vrad/tool_error.h"
 #include "tools/vrad/tool_output.h"
 #include "vrad/vrad_version.h"
@@ -16,7 +17,7 @@
 namespace {
 
 // In the order in which the help lists them.
-typedef std::tuple<Tool_InfoCommand, Tool_EventsCommand> Commands;
+typedef std::tuple<Tool_InfoCommand, Tool_EventsCommand, Tool_PictureCommand> Commands;
 
 struct Entry {
   CLI::App const * mApp;

@@ -1,6 +1,6 @@
 #include "tools/vrad/tool_clipprinter.h"
 
-#include "tools/vrad/tool_names.h"
+#include "tools/vrad/tool_clips.h"
 
 Tool_ClipPrinter::Tool_ClipPrinter(Host_MidiFile const & iFile, bool iIsText)
     : mFile(iFile), mBars(iFile.mTimeSignatures), mIsText(iIsText) {}
@@ -9,12 +9,7 @@ void Tool_ClipPrinter::BeginClip(int iClip) {
   Host_Clip const & clip = mFile.mClips[static_cast<size_t>(iClip)];
   mSource = {iClip, clip.mTrack, clip.mChannel};
   if (!mIsText) return;
-  std::string const name =
-      Tool_MakePrintable(mFile.mTracks[static_cast<size_t>(clip.mTrack)].mName, 60);
-  std::string const channel =
-      clip.mChannel < 0 ? "no channel" : fmt::format("channel {}", clip.mChannel);
-  mOut.Print("{}clip {}: track {}, {}{}{}\n", mIsFirstClip ? "" : "\n", iClip, clip.mTrack, channel,
-             name.empty() ? "" : ", ", name);
+  mOut.Print("{}{}\n", mIsFirstClip ? "" : "\n", Tool_DescribeClip(mFile, iClip));
   mIsFirstClip = false;
   mIsEmpty = true;
 }

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "tools/vrad/tool_error.h"
+#include "tools/vrad/tool_names.h"
 
 std::optional<long long> Tool_ParseClip(std::optional<std::string> const & iText) {
   if (!iText) return std::nullopt;
@@ -26,4 +27,14 @@ std::vector<int> Tool_SelectClips(std::optional<long long> iClip, int iNumClips)
     if (!iClip || *iClip == i) result.push_back(i);
   }
   return result;
+}
+
+std::string Tool_DescribeClip(Host_MidiFile const & iFile, int iClip) {
+  Host_Clip const & clip = iFile.mClips[static_cast<size_t>(iClip)];
+  std::string const name =
+      Tool_MakePrintable(iFile.mTracks[static_cast<size_t>(clip.mTrack)].mName, 60);
+  std::string const channel =
+      clip.mChannel < 0 ? "no channel" : fmt::format("channel {}", clip.mChannel);
+  return fmt::format("clip {}: track {}, {}{}{}", iClip, clip.mTrack, channel,
+                     name.empty() ? "" : ", ", name);
 }
