@@ -1,0 +1,227 @@
+#include "host/host_clipplayback.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "host/host_chasemap.h"
+#include "vrad/vrad_chunk.h"
+#include "vrad/vrae_noteinprogress.h"
+
+namespace {
+
+// Counts how many events lie near each other, in stretches of fixed length side by side.
+class Density {
+public:
+  void Add(Time_Typed iTime) {
+    if (iTime.GetType() == Time_eType_Ticks)
+      mPlaces.push_back(iTime.AsInt64() / Host_ClipPlayback::kMaxStretch);
+    else
+      ++mNumInSamples;
+  }
+
+  bool HasSamples() const { return mNumInSamples > 0; }
+
+  // The most that a retrieval can find: in three neighbours, since it begins anywhere in the first
+  // and is brought to whole samples, and whatever is in samples, since tempo moves that.
+  size_t GetMost() {
+    std::sort(mPlaces.begin(), mPlaces.end());
+    size_t most = 0, first = 0;
+    for (size_t i = 0; i < mPlaces.size(); ++i) {
+      while (mPlaces[first] < mPlaces[i] - 2)
+        ++first;
+      most = std::max(most, i + 1 - first);
+    }
+    return most + mNumInSamples;
+  }
+
+private:
+  std::vector<long long> mPlaces;
+  size_t mNumInSamples = 0;
+};
+
+void AddAll(Vrae_TimedEventIterator && iIter, Density & ioDensity) {
+  for (; iIter.IsMore(); ++iIter)
+    ioDensity.Add((*iIter).mTime);
+}
+
+Density GetDensity(Vrad_Chunk & iChunk) {
+  Density density;
+  for (Vrad_NoteListBase::FullNotesInRangeIter iter(iChunk.GetNoteList()); iter.IsMore(); ++iter)
+    density.Add((*iter).mTime);
+  for (Ndo_Ptr<Vrad_ContinuousDataStream> const & streamP : iChunk.GetContinuousList())
+    AddAll(Vrad_ContinuousDataStreamTimedEventsInRangeIter(streamP.Get()), density);
+  AddAll(Vrad_EventStreamTimedEventsInRangeIter(iChunk.GetEventStream()), density);
+  return density;
+}
+
+bool IsNote(Vrae_TimedEvent const & iEvent) {
+  return iEvent.mEvent.GetType() == Vrae_Event::kNoteWithDuration;
+}
+
+int RankOf(Vrae_TimedEvent const & iEvent) {
+  if (iEvent.mEvent.GetType() != Vrae_Event::kController) return 0;
+  return Host_GetParameterRank(iEvent.mEvent.mU.mController.mControllerNumber);
+}
+
+bool ArePlayedAlike(Vrae_TimedEvent const & iA, Vrae_TimedEvent const & iB) {
+  return iA.mTime == iB.mTime && iA.mEvent.GetPlaybackPriority() == iB.mEvent.GetPlaybackPriority();
+}
+
+}  // namespace
+
+Host_PlayPosition Host_PlayPosition::At(long long iSample) {
+  return {iSample, Time_Typed(Time_Sample(iSample)).AsTick()};
+}
+
+long long Host_PlayPosition::SampleOf(Time_Typed iTime) {
+  if (iTime.GetType() == Time_eType_Samples) return iTime.AsInt64();
+  return Time_CountInUnit(iTime, Time_eType_Samples);
+}
+
+Host_ClipPlayback::Host_ClipPlayback(Vrad_Chunk * iChunkP, int iChannel, int iClip)
+    : mChunkP(iChunkP), mChannel(iChannel), mClip(iClip), mTold(&Host_GetChaseMap(), true) {
+  mLeft.mTick = Time_Typed::MinTime(Time_eType_Ticks);
+  mLeft.mSample = Time_Typed::MinTime(Time_eType_Samples).AsInt64();
+}
+
+void Host_ClipPlayback::Prepare(Host_PlayPosition const & iPosition) {
+  Density density = GetDensity(*mChunkP);
+  Host_ParameterChase parameters;
+  parameters.Build(*mChunkP);
+  mEvents.reserve(density.GetMost());
+  mHasSamples = density.HasSamples();
+
+  Time_Typed const time = ClipTime(iPosition);
+  mHaveParametersChanged =
+      mHaveParametersChanged ||
+      !parameters.IsSameUpTo(parameters.GetPlace(time), mParameters, mParameters.GetPlace(time));
+  std::swap(mParameters, parameters);
+}
+
+// What is in ticks is read tick by tick. A clip that holds samples is read by samples, as a tick
+// bound may lie beside them.
+Time_Typed Host_ClipPlayback::ClipTime(Host_PlayPosition const & iPosition) const {
+  return mHasSamples ? Time_Typed(Time_Sample(iPosition.mSample)) : iPosition.mTick;
+}
+
+void Host_ClipPlayback::SendEvent(Vrae_Event const & iEvent, Host_WireOutput & ioOutput,
+                                  Time_Typed iTime) {
+  ioOutput.Send(iEvent, {mClip, mChannel, iTime});
+  mTold.TrackEvent(iEvent);
+}
+
+void Host_ClipPlayback::BeginStretch(Host_PlayStretch const & iStretch) {
+  mStretch = iStretch;
+  mEvents.clear();
+  mNextEvent = 0;
+  Vrad_EventListWrapper list(&mEvents);
+  Vrae_Filter all;
+  all.SetAll();
+  Time_Typed const start = ClipTime(iStretch.mFrom);
+  mChunkP->GetMidiEventsInRange(&list, Time_TickLength(0), start, ClipTime(iStretch.mTo),
+                                Time_Typed::MinTime(Time_eType_Ticks),
+                                Time_Typed::MaxTime(Time_eType_Ticks), false, nullptr, nullptr, all,
+                                nullptr, true, 0, kNoteOffInclusion_None);
+  // The retrieval begins with the sample in which the start lies. After a change of tempo that may
+  // have been played in part.
+  while (mNextEvent < mEvents.size() && mEvents[mNextEvent].mTime < start)
+    ++mNextEvent;
+  SortParameters();
+}
+
+// Retrieval has controllers of one time in order of their numbers, data before selections.
+void Host_ClipPlayback::SortParameters() {
+  for (size_t i = mNextEvent + 1; i < mEvents.size(); ++i)
+    for (size_t j = i; j > mNextEvent && ArePlayedAlike(mEvents[j - 1], mEvents[j]) &&
+                       RankOf(mEvents[j]) < RankOf(mEvents[j - 1]);
+         --j)
+      std::swap(mEvents[j - 1], mEvents[j]);
+}
+
+bool Host_ClipPlayback::FindNext() {
+  Time_Typed const end = ClipTime(mStretch.mTo);
+  Vrae_NoteInProgress const * noteP = Notes().NextNoteOff();
+  mNext = ENext::kNoteOff;
+  Vrae_NoteInProgress const * const ringingP = mRinging.NextNoteOff();
+  if (ringingP && (!noteP || ringingP->mReleaseTime <= noteP->mReleaseTime)) {
+    noteP = ringingP;
+    mNext = ENext::kRingingNoteOff;
+  }
+  if (noteP && !(noteP->mReleaseTime < end)) noteP = nullptr;
+  bool const isEvent = mNextEvent < mEvents.size();
+  if (!noteP && !isEvent) return false;
+
+  if (isEvent) {
+    Vrae_TimedEvent const & event = mEvents[mNextEvent];
+    // At one time notes end behind continuous values and before others begin.
+    bool const isFirst = !noteP || event.mTime < noteP->mReleaseTime ||
+                         (event.mTime == noteP->mReleaseTime && !IsNote(event));
+    if (isFirst) {
+      mNext = ENext::kEvent;
+      mNextTime = event.mTime;
+      return true;
+    }
+  }
+  mNextTime = noteP->mReleaseTime;
+  return true;
+}
+
+void Host_ClipPlayback::SendNext(Host_WireOutput & ioOutput) {
+  if (mNext == ENext::kEvent) {
+    Vrae_TimedEvent const & event = mEvents[mNextEvent++];
+    if (IsNote(event))
+      SendNote(event, ioOutput);
+    else if (event.mEvent.GetType() != Vrae_Event::kPitchToMIDINoteWithDuration)
+      SendEvent(event.mEvent, ioOutput, event.mTime);
+    return;
+  }
+  Vrae_TrackState & notes = mNext == ENext::kNoteOff ? Notes() : mRinging;
+  SendNoteOff(*notes.NextNoteOff(), ioOutput, mNextTime);
+  notes.PopNoteOff();
+}
+
+void Host_ClipPlayback::EndStretch() {
+  mEvents.clear();
+}
+
+void Host_ClipPlayback::SendNote(Vrae_TimedEvent const & iEvent, Host_WireOutput & ioOutput) {
+  Vrae_NoteWithDurationEvent const & note = iEvent.mEvent.AsNoteWithDuration();
+  if (note.GetPitch() < 0 || note.GetOnVelocity() <= 0) return;
+  if (Follow(Notes(), iEvent.mTime, note))
+    Strike(note.GetPitch(), note.GetOnVelocity(), ioOutput, iEvent.mTime);
+}
+
+// A note that cannot be followed must not be struck, as nothing would end it.
+bool Host_ClipPlayback::Follow(Vrae_TrackState & ioNotes, Time_Typed iTime,
+                               Vrae_NoteWithDurationEvent const & iNote) {
+  Vrae_NoteInProgress * const roomP = Vrae_NoteInProgress::Alloc();
+  if (!roomP) {
+    ++mNumLostNotes;
+    return false;
+  }
+  roomP->Free();
+  ioNotes.ReceiveEvent(Vrae_TimedEvent(iTime, iNote));
+  return true;
+}
+
+void Host_ClipPlayback::Strike(signed char iPitch, signed char iVelocity,
+                               Host_WireOutput & ioOutput, Time_Typed iTime) {
+  EndRinging(iPitch, ioOutput, iTime);
+  ioOutput.Send(Vrae_NoteOnEvent(iPitch, iVelocity), OriginAt(iTime));
+}
+
+void Host_ClipPlayback::SendNoteOff(Vrae_NoteInProgress const & iNote, Host_WireOutput & ioOutput,
+                                    Time_Typed iTime) {
+  ioOutput.Send(Vrae_NoteOffEvent(iNote.mPitch, iNote.mOffVelocity), OriginAt(iTime));
+}
+
+void Host_ClipPlayback::EndRinging(signed char iPitch, Host_WireOutput & ioOutput,
+                                   Time_Typed iTime) {
+  Vrae_NoteInProgress const * noteP = mRinging.NextNoteOff();
+  while (noteP && noteP->mPitch != iPitch)
+    noteP = noteP->mNextP;
+  if (!noteP) return;
+  SendNoteOff(*noteP, ioOutput, iTime);
+  mRinging.ReceiveEvent(Vrae_NoteOffEvent(iPitch, 0));
+}

@@ -1,0 +1,149 @@
+// What a player keeps of one clip: what sounds of it, what its receiver was told, and the events of
+// the stretch that is being played.
+#pragma once
+
+#include "foundation/time_typed.h"
+#include "host/host_parameterchase.h"
+#include "host/host_wireoutput.h"
+#include "vrad/vrae_chasetracker.h"
+#include "vrad/vrae_timedevent.h"
+#include "vrad/vrae_trackstate.h"
+
+class Vrad_Chunk;
+class Vrad_NoteListBase;
+class Vrad_NoteListBase_Note;
+
+/// A sample position and the tick up to which clips have been read when it is reached.
+struct Host_PlayPosition {
+  long long mSample = 0;
+  Time_Typed mTick;
+
+  static Host_PlayPosition At(long long iSample);
+  /// The sample in which the time lies.
+  static long long SampleOf(Time_Typed iTime);
+};
+
+/// What lies between two positions.
+struct Host_PlayStretch {
+  Host_PlayPosition mFrom, mTo;
+};
+
+/// One clip of a player. A clip is engaged while the receiver is kept in its state: playing, not
+/// muted, not taken away.
+/// Thread: the player's. The constructor and `Prepare` take memory; the rest neither does so nor
+/// locks nor throws.
+class Host_ClipPlayback {
+public:
+  /// No stretch that is retrieved at once should be longer than this, in ticks.
+  static constexpr long long kMaxStretch = 240000;
+
+  /// `iChannel` 0 to 15. Fails: std::bad_alloc.
+  Host_ClipPlayback(Vrad_Chunk * iChunkP, int iChannel, int iClip);
+  Host_ClipPlayback(Host_ClipPlayback const &) = delete;
+  Host_ClipPlayback & operator=(Host_ClipPlayback const &) = delete;
+
+  /// Makes room for the events of any stretch and gathers the parameters, as the chunk now stands.
+  /// Fails: std::bad_alloc; what was prepared before stays.
+  void Prepare(Host_PlayPosition const & iPosition);
+
+  /// The chunk is not touched any more.
+  void Abandon() { mChunkP = nullptr; }
+  bool IsAbandoned() const { return mChunkP == nullptr; }
+
+  int GetClip() const { return mClip; }
+  int GetChannel() const { return mChannel; }
+  bool IsEngaged() const { return mIsEngaged; }
+  int GetNumLostNotes() const { return mNumLostNotes; }
+
+  bool mIsMuted = false;
+  bool mIsEdited = false;  // since the last block
+
+  // Leaving a state. Ends what the clip has put into the receiver.
+
+  /// A note-off for each sounding note, in order of release.
+  void EndNotes(Host_WireOutput & ioOutput, Time_Typed iTime);
+  void LiftPedals(Host_WireOutput & ioOutput, Time_Typed iTime);
+  /// Notes, pedals, bend and pressures end; no longer engaged.
+  void Disengage(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition);
+  /// Forgets what the receiver was told: there is another one.
+  void ForgetReceiver();
+
+  // Entering a state, in this order.
+
+  /// Brings the followed values to those before the position; all of them if it was not engaged.
+  void ChaseValues(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition,
+                   Vrae_ChaseTracker & ioScratch);
+  /// The same for parameters, from the position that was left. `iForce`: all of them.
+  void ChaseParameters(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
+                       Host_PlayPosition const & iTo, bool iForce);
+  /// Strikes the notes that sound at the position. Engaged from here on.
+  void StrikeNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition);
+
+  /// In place of ending and striking: notes of a pitch that sounds before and after go on, under
+  /// the new end; the other ones of before end.
+  void ReconcileNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition);
+  /// The same, but the other ones ring on for as long as they had left.
+  void WrapNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
+                 Host_PlayPosition const & iTo);
+
+  /// Adds what the clip holds before the position.
+  void AddChaseState(Vrae_ChaseTracker & ioTracker, Host_PlayPosition const & iPosition) const;
+  /// Whether the receiver was told this value for the clip.
+  bool HasTold(Vrae_Event const & iEvent) const;
+  void SendEvent(Vrae_Event const & iEvent, Host_WireOutput & ioOutput, Time_Typed iTime);
+
+  // Playing a stretch, event by event.
+
+  /// Takes the stretch's events. Needs: engaged.
+  void BeginStretch(Host_PlayStretch const & iStretch);
+  /// Whether anything is left before the stretch's end, and when it comes.
+  bool FindNext();
+  Time_Typed GetNextTime() const { return mNextTime; }
+  void SendNext(Host_WireOutput & ioOutput);
+  void EndStretch();
+
+private:
+  enum class ENext { kEvent, kNoteOff, kRingingNoteOff };
+
+  Time_Typed ClipTime(Host_PlayPosition const & iPosition) const;
+  Host_WireOutput::Origin OriginAt(Time_Typed iTime) const { return {mClip, mChannel, iTime}; }
+
+  void SendNoteOff(Vrae_NoteInProgress const & iNote, Host_WireOutput & ioOutput, Time_Typed iTime);
+  void EndNotes(Vrae_TrackState & ioNotes, Host_WireOutput & ioOutput, Time_Typed iTime);
+  void EndRinging(signed char iPitch, Host_WireOutput & ioOutput, Time_Typed iTime);
+  void Strike(signed char iPitch, signed char iVelocity, Host_WireOutput & ioOutput,
+              Time_Typed iTime);
+  bool Follow(Vrae_TrackState & ioNotes, Time_Typed iTime,
+              Vrae_NoteWithDurationEvent const & iNote);
+  void FindSounding(Host_PlayPosition const & iPosition, Vrae_TrackState & oNotes);
+  bool IsPlayed(Vrad_NoteListBase_Note const & iNote) const;
+  template <class TEnd>
+  void ReplaceNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition, TEnd iEnd);
+  void ChaseProgram(Host_WireOutput & ioOutput, Time_Typed iTime, Vrae_ChaseTracker & ioScratch);
+  void SendNote(Vrae_TimedEvent const & iEvent, Host_WireOutput & ioOutput);
+  void SortParameters();
+
+  Vrae_TrackState & Notes() { return mNotes[mCurrent]; }
+  Vrae_TrackState & OtherNotes() { return mNotes[1 - mCurrent]; }
+
+  Vrad_Chunk * mChunkP;
+  int const mChannel;
+  int const mClip;
+  bool mIsEngaged = false;
+  bool mHasSamples = false;  // some event is not in ticks
+
+  Vrae_TrackState mNotes[2];  // what sounds, and a spare one that is empty between calls
+  int mCurrent = 0;
+  Vrae_TrackState mRinging;  // what sounds from an earlier pass of a loop
+  Vrae_ChaseTracker mTold;   // what the receiver was told for this clip
+  Host_ParameterChase mParameters;
+  bool mHaveParametersChanged = false;  // ahead of what was played, by an edit
+  Host_PlayPosition mLeft;              // where the clip was disengaged
+
+  Vrae_TimedEventList mEvents;  // of the stretch; room for those of any stretch
+  size_t mNextEvent = 0;
+  Host_PlayStretch mStretch;
+  ENext mNext = ENext::kEvent;
+  Time_Typed mNextTime;
+  int mNumLostNotes = 0;
+};

@@ -1,0 +1,199 @@
+// How a clip enters and leaves a state.
+#include "host/host_chasemap.h"
+#include "host/host_clipplayback.h"
+#include "vrad/vrad_chunk.h"
+#include "vrad/vrae_noteinprogress.h"
+
+namespace {
+
+constexpr int kNumPitches = 128;
+
+// Hands what a tracker puts out to a clip's output.
+class ClipReceiver : public Vrae_EventReceiver, public Host_ParameterReceiver {
+public:
+  ClipReceiver(Host_ClipPlayback & iClip, Host_WireOutput & iOutput, Time_Typed iTime)
+      : mClip(iClip), mOutput(iOutput), mTime(iTime) {}
+
+  void ReceiveEvent(Vrae_Event const & iEvent) override { mClip.SendEvent(iEvent, mOutput, mTime); }
+  void ReceiveParameterController(int iNumber, int iValue) override {
+    ReceiveEvent(
+        Vrae_ControllerEvent(static_cast<signed char>(iNumber), static_cast<signed char>(iValue)));
+  }
+
+private:
+  Host_ClipPlayback & mClip;
+  Host_WireOutput & mOutput;
+  Time_Typed mTime;
+};
+
+bool IsToldDown(Vrae_ChaseTracker const & iTold, Vrae_SubStream const & iPedal) {
+  Vrae_ChaseTracker_ChasingEntry entry;
+  return iTold.GetChasingEntry(&entry, iPedal) && entry.mIsActive && entry.mValue != 0;
+}
+
+// The copies that the library keeps of long notes do not always know whether they are muted.
+bool IsMuted(Vrad_NoteListBase * iListP, Vrad_NoteListBase_Note const & iNote) {
+  Time_TypedLength const duration = iNote.mEvent.GetDuration();
+  if (iNote.mMuted || iListP->GetLongNoteList() == nullptr ||
+      duration < iListP->GetLongNoteDuration(duration.GetType()))
+    return iNote.mMuted;
+  Time_Typed end = iNote.mTime;
+  for (Vrad_NoteListBase::FullNotesInRangeIter iter(iListP, iNote.mTime, ++end); iter.IsMore();
+       ++iter) {
+    Vrae_NoteWithDurationEvent const & event = (*iter).mEvent;
+    if (event.GetPitch() == iNote.mEvent.GetPitch() && event.GetDuration() == duration &&
+        event.GetOnVelocity() == iNote.mEvent.GetOnVelocity() &&
+        event.GetOffVelocity() == iNote.mEvent.GetOffVelocity())
+      return (*iter).mMuted;
+  }
+  return false;
+}
+
+}  // namespace
+
+void Host_ClipPlayback::EndNotes(Host_WireOutput & ioOutput, Time_Typed iTime) {
+  EndNotes(mRinging, ioOutput, iTime);
+  EndNotes(Notes(), ioOutput, iTime);
+}
+
+void Host_ClipPlayback::EndNotes(Vrae_TrackState & ioNotes, Host_WireOutput & ioOutput,
+                                 Time_Typed iTime) {
+  for (; Vrae_NoteInProgress const * noteP = ioNotes.NextNoteOff(); ioNotes.PopNoteOff())
+    SendNoteOff(*noteP, ioOutput, iTime);
+}
+
+void Host_ClipPlayback::LiftPedals(Host_WireOutput & ioOutput, Time_Typed iTime) {
+  for (signed char const number : kHost_Pedals)
+    if (IsToldDown(mTold, Vrae_SubStream::Controller(number)))
+      SendEvent(Vrae_ControllerEvent(number, 0), ioOutput, iTime);
+}
+
+void Host_ClipPlayback::Disengage(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition) {
+  EndNotes(ioOutput, iPosition.mTick);
+  LiftPedals(ioOutput, iPosition.mTick);
+  ClipReceiver receiver(*this, ioOutput, iPosition.mTick);
+  mTold.DoMute(&receiver, false);
+  mIsEngaged = false;
+  mLeft = iPosition;
+}
+
+void Host_ClipPlayback::ForgetReceiver() {
+  mTold.Clear();
+}
+
+void Host_ClipPlayback::AddChaseState(Vrae_ChaseTracker & ioTracker,
+                                      Host_PlayPosition const & iPosition) const {
+  // What stands at the position itself is still to be played.
+  Time_Typed const last = iPosition.mTick - Time_TickLength(1);
+  mChunkP->AddChaseStateAtTime(&ioTracker, last, Time_Typed::MinTime(Time_eType_Ticks));
+  for (signed char const number : kHost_ParameterControllers)
+    ioTracker.ClearActiveFlag(Vrae_SubStream::Controller(number));
+}
+
+bool Host_ClipPlayback::HasTold(Vrae_Event const & iEvent) const {
+  Vrae_SubStream const subStream(iEvent);
+  Vrae_ChaseTracker_ChasingEntry entry;
+  return mTold.GetChasingEntry(&entry, subStream) && entry.mIsActive &&
+         entry.mValue == subStream.GetValueFromEvent(iEvent);
+}
+
+void Host_ClipPlayback::ChaseValues(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition,
+                                    Vrae_ChaseTracker & ioScratch) {
+  ioScratch.Clear();
+  AddChaseState(ioScratch, iPosition);
+  ChaseProgram(ioOutput, iPosition.mTick, ioScratch);
+  ClipReceiver receiver(*this, ioOutput, iPosition.mTick);
+  if (!mIsEngaged) {
+    ioScratch.Prep(&receiver);
+    return;
+  }
+  for (signed char const number : kHost_Pedals) {
+    Vrae_SubStream const pedal = Vrae_SubStream::Controller(number);
+    if (!ioScratch.IsActive(pedal) && IsToldDown(mTold, pedal))
+      receiver.ReceiveEvent(pedal.MakeEvent(0));
+  }
+  ioScratch.DoUnMutedUpdate(&mTold, &receiver);
+}
+
+// Ahead of all else, as a program may reset controllers.
+void Host_ClipPlayback::ChaseProgram(Host_WireOutput & ioOutput, Time_Typed iTime,
+                                     Vrae_ChaseTracker & ioScratch) {
+  Vrae_SubStream const program = Vrae_SubStream::Program();
+  Vrae_ChaseTracker_ChasingEntry entry;
+  if (!ioScratch.GetChasingEntry(&entry, program) || !entry.mIsActive) return;
+  Vrae_Event const event = program.MakeEvent(entry.mValue);
+  if (!mIsEngaged || !HasTold(event)) SendEvent(event, ioOutput, iTime);
+  ioScratch.ClearActiveFlag(program);
+}
+
+void Host_ClipPlayback::ChaseParameters(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
+                                        Host_PlayPosition const & iTo, bool iForce) {
+  if (mParameters.IsEmpty()) return;
+  ClipReceiver receiver(*this, ioOutput, iTo.mTick);
+  int const from = mParameters.GetPlace(ClipTime(mIsEngaged ? iFrom : mLeft));
+  mParameters.Restore(from, mParameters.GetPlace(ClipTime(iTo)),
+                      iForce || !mIsEngaged || mHaveParametersChanged, receiver);
+  mHaveParametersChanged = false;
+}
+
+bool Host_ClipPlayback::IsPlayed(Vrad_NoteListBase_Note const & iNote) const {
+  return iNote.mEvent.GetType() == Vrae_Event::kNoteWithDuration && iNote.mEvent.GetPitch() >= 0 &&
+         iNote.mEvent.GetOnVelocity() > 0 && !IsMuted(mChunkP->GetNoteList(), iNote);
+}
+
+void Host_ClipPlayback::FindSounding(Host_PlayPosition const & iPosition,
+                                     Vrae_TrackState & oNotes) {
+  Vrad_NoteListBase * const listP = mChunkP->GetNoteList();
+  if (!listP) return;
+  for (Vrad_NoteListBase::FullSustainingNoteIter iter(listP, ClipTime(iPosition)); iter.IsMore();
+       ++iter)
+    if (IsPlayed(*iter)) Follow(oNotes, (*iter).mTime, (*iter).mEvent);
+}
+
+void Host_ClipPlayback::StrikeNotes(Host_WireOutput & ioOutput,
+                                    Host_PlayPosition const & iPosition) {
+  mIsEngaged = true;
+  FindSounding(iPosition, Notes());
+  for (Vrae_NoteInProgress const * noteP = Notes().NextNoteOff(); noteP; noteP = noteP->mNextP)
+    Strike(noteP->mPitch, noteP->mOnVelocity, ioOutput, iPosition.mTick);
+}
+
+template <class TEnd>
+void Host_ClipPlayback::ReplaceNotes(Host_WireOutput & ioOutput,
+                                     Host_PlayPosition const & iPosition, TEnd iEnd) {
+  int numToStrike[kNumPitches] = {};
+  FindSounding(iPosition, OtherNotes());
+  for (auto const * noteP = OtherNotes().NextNoteOff(); noteP; noteP = noteP->mNextP)
+    ++numToStrike[noteP->mPitch];
+  for (auto const * noteP = Notes().NextNoteOff(); noteP; noteP = noteP->mNextP) {
+    if (numToStrike[noteP->mPitch] > 0)
+      --numToStrike[noteP->mPitch];
+    else
+      iEnd(*noteP);
+  }
+  for (auto const * noteP = OtherNotes().NextNoteOff(); noteP; noteP = noteP->mNextP)
+    if (numToStrike[noteP->mPitch]-- > 0)
+      Strike(noteP->mPitch, noteP->mOnVelocity, ioOutput, iPosition.mTick);
+  Notes().Clear();
+  mCurrent = 1 - mCurrent;
+}
+
+void Host_ClipPlayback::ReconcileNotes(Host_WireOutput & ioOutput,
+                                       Host_PlayPosition const & iPosition) {
+  ReplaceNotes(ioOutput, iPosition, [&](Vrae_NoteInProgress const & iNote) {
+    SendNoteOff(iNote, ioOutput, iPosition.mTick);
+  });
+}
+
+void Host_ClipPlayback::WrapNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
+                                  Host_PlayPosition const & iTo) {
+  mRinging.OffsetTimes(iTo.mTick - iFrom.mTick);
+  ReplaceNotes(ioOutput, iTo, [&](Vrae_NoteInProgress const & iNote) {
+    Time_TypedLength const rest = iNote.mReleaseTime - iFrom.mTick;
+    bool const ringsOn = rest.AsInt64() > 0 &&
+                         Follow(mRinging, iTo.mTick,
+                                Vrae_NoteWithDurationEvent(iNote.mPitch, rest, iNote.mOnVelocity,
+                                                           iNote.mOffVelocity));
+    if (!ringsOn) SendNoteOff(iNote, ioOutput, iFrom.mTick);
+  });
+}
