@@ -9,7 +9,10 @@
 
 #include "tools/vrad/command_events.h"
 #include "tools/vrad/command_info.h"
+#include "tools/vrad/command_jump.h"
 #include "tools/vrad/command_picture.h"
+#include "tools/vrad/command_state.h"
+#include "tools/vrad/command_wire.h"
 #include "tools/vrad/tool_error.h"
 #include "tools/vrad/tool_output.h"
 #include "vrad/vrad_version.h"
@@ -17,7 +20,9 @@
 namespace {
 
 // In the order in which the help lists them.
-typedef std::tuple<Tool_InfoCommand, Tool_EventsCommand, Tool_PictureCommand> Commands;
+typedef std::tuple<Tool_InfoCommand, Tool_EventsCommand, Tool_WireCommand, Tool_StateCommand,
+                   Tool_JumpCommand, Tool_PictureCommand>
+    Commands;
 
 struct Entry {
   CLI::App const * mApp;

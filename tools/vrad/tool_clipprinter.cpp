@@ -2,14 +2,14 @@
 
 #include "tools/vrad/tool_clips.h"
 
-Tool_ClipPrinter::Tool_ClipPrinter(Host_MidiFile const & iFile, bool iIsText)
-    : mFile(iFile), mBars(iFile.mTimeSignatures), mIsText(iIsText) {}
+Tool_ClipPrinter::Tool_ClipPrinter(Host_Song const & iSong, bool iIsText)
+    : mSong(iSong), mBars(iSong.mTimeSignatures), mIsText(iIsText) {}
 
 void Tool_ClipPrinter::BeginClip(int iClip) {
-  Host_Clip const & clip = mFile.mClips[static_cast<size_t>(iClip)];
+  Host_Clip const & clip = mSong.mClips[static_cast<size_t>(iClip)];
   mSource = {iClip, clip.mTrack, clip.mChannel};
   if (!mIsText) return;
-  mOut.Print("{}{}\n", mIsFirstClip ? "" : "\n", Tool_DescribeClip(mFile, iClip));
+  mOut.Print("{}{}\n", mIsFirstClip ? "" : "\n", Tool_DescribeClip(mSong, iClip));
   mIsFirstClip = false;
   mIsEmpty = true;
 }

@@ -2,16 +2,17 @@
 #pragma once
 
 #include "host/host_midibars.h"
-#include "host/host_midifile.h"
+#include "host/host_song.h"
 #include "tools/vrad/tool_event.h"
 #include "tools/vrad/tool_output.h"
 #include "tools/vrad/tool_wire.h"
+#include "vrad/vrae_trackstate.h"
 
 /// As text with a heading for each clip, or as JSON objects.
 class Tool_ClipPrinter {
 public:
-  /// The file must outlive it.
-  Tool_ClipPrinter(Host_MidiFile const & iFile, bool iIsText);
+  /// The song must outlive it.
+  Tool_ClipPrinter(Host_Song const & iSong, bool iIsText);
 
   void BeginClip(int iClip);
   void Print(Tool_RetrievedEvent const & iEvent);
@@ -25,11 +26,26 @@ private:
   // Text alone: the heading of the columns, before the first line.
   void PrintHeading();
 
-  Host_MidiFile const & mFile;
+  Host_Song const & mSong;
   Host_BarMap mBars;
   bool mIsText;
   bool mIsFirstClip = true;
   bool mIsEmpty = true;  // nothing of this clip yet
   Tool_EventSource mSource{};
   Tool_Output mOut;
+};
+
+/// Prints the events that it is sent, all at one position.
+class Tool_EventPrinter : public Vrae_EventReceiver {
+public:
+  Tool_EventPrinter(Tool_ClipPrinter & ioPrinter, Time_Typed iPosition)
+      : mPrinter(ioPrinter), mPosition(iPosition) {}
+
+  void ReceiveEvent(Vrae_Event const & iEvent) override {
+    mPrinter.Print({mPosition, iEvent, false, false, 0});
+  }
+
+private:
+  Tool_ClipPrinter & mPrinter;
+  Time_Typed mPosition;
 };

@@ -104,8 +104,10 @@ void DescribeNote(Tool_Output & ioOut, Vrae_NoteWithDurationEvent const & iNote)
 
 void DescribeProgram(Tool_Output & ioOut, Vrae_ProgramEvent const & iProgram) {
   ioOut.Print("program     ");
-  if (iProgram.IsProgramEnabled()) ioOut.Print("{:<7}", iProgram.GetProgram());
-  if (!iProgram.IsProgramEnabled()) ioOut.Print("-      ");
+  bool const hasBank = iProgram.IsMSBBankEnabled() || iProgram.IsLSBBankEnabled();
+  std::string const program =
+      iProgram.IsProgramEnabled() ? std::to_string(iProgram.GetProgram()) : "-";
+  ioOut.Print("{:<{}}", program, hasBank ? 7 : 0);
   if (iProgram.IsMSBBankEnabled()) ioOut.Print("  bank MSB {}", iProgram.GetMSBBank());
   if (iProgram.IsLSBBankEnabled()) ioOut.Print("  bank LSB {}", iProgram.GetLSBBank());
 }

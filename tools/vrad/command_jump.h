@@ -1,0 +1,23 @@
+// vrad jump
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+/// The events that turn the state at one position into the state at another.
+struct Tool_JumpCommand {
+  std::string mFile;
+  std::string mFrom, mTo;
+  std::optional<std::string> mClip;
+  std::string mAs = "text";
+
+  /// The options write to this object, which must outlive ioApp. Gives the command's part of it.
+  CLI::App * AddTo(CLI::App & ioApp);
+  /// Gives the exit status.
+  /// Fails: Tool_UsageError, Tool_InputError.
+  int Run() const;
+};
