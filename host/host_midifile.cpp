@@ -1,14 +1,11 @@
 #include "host/host_midifile.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
 #include <cstdlib>
-#include <memory>
-#include <system_error>
 #include <utility>
 
 #include "host/host_clipbuilder.h"
+#include "host/host_filebytes.h"
 #include "host/host_midisysex.h"
 
 namespace {
@@ -205,29 +202,8 @@ private:
   long long mTick = 0;
 };
 
-struct CloseFile {
-  void operator()(std::FILE * iFile) const { std::fclose(iFile); }
-};
-
-[[noreturn]] void ThrowErrno() {
-  throw std::system_error(errno, std::generic_category());
-}
-
-// In growing blocks, so that pipes can be read too. What cannot be a MIDI file is given up after
-// its first bytes, however long it is.
-std::vector<unsigned char> ReadBytes(std::string const & iPath) {
-  std::unique_ptr<std::FILE, CloseFile> const file(std::fopen(iPath.c_str(), "rb"));
-  if (!file) ThrowErrno();
-  std::vector<unsigned char> bytes;
-  for (size_t block = 4;; block = std::max<size_t>(bytes.size(), 1u << 16)) {
-    size_t const size = bytes.size();
-    bytes.resize(size + block);
-    size_t const numRead = std::fread(bytes.data() + size, 1, block, file.get());
-    bytes.resize(size + numRead);
-    if (std::ferror(file.get())) ThrowErrno();
-    bool const isMIDI = bytes.size() >= 4 && std::equal(bytes.begin(), bytes.begin() + 4, "MThd");
-    if (numRead < block || !isMIDI) return bytes;
-  }
+bool MayBeMidi(Bytes iBegin) {
+  return iBegin.size() >= 4 && std::equal(iBegin.begin(), iBegin.begin() + 4, "MThd");
 }
 
 }  // namespace
@@ -243,6 +219,6 @@ Host_MidiFile Host_ReadMidiFile(std::span<unsigned char const> iBytes,
 }
 
 Host_MidiFile Host_ReadMidiFile(std::string const & iPath, Host_Progress const & iProgress) {
-  std::vector<unsigned char> const bytes = ReadBytes(iPath);
+  std::vector<unsigned char> const bytes = Host_LoadBytes(iPath, MayBeMidi);
   return Host_ReadMidiFile(std::span<unsigned char const>(bytes), iProgress);
 }

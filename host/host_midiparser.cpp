@@ -11,7 +11,6 @@ namespace {
 
 typedef std::span<unsigned char const> Bytes;
 
-constexpr long long kMaxTick = 1ll << 40;  // far beyond music; keeps sums within 64 bits
 constexpr size_t kChunkHeaderSize = 8;
 
 std::string Hex(unsigned iByte) {
@@ -70,7 +69,8 @@ private:
     size_t const offset = mBytes.GetOffset();
     unsigned delta;
     if (!ReadVariableLength("a delta time", delta)) return;
-    if (mTick + delta > kMaxTick) return Damage(offset, "the track is longer than 2^40 ticks");
+    if (mTick + delta > kHost_MaxFileTick)
+      return Damage(offset, "the track is longer than 2^40 ticks");
     mTick += delta;
     unsigned char status;
     size_t const statusOffset = mBytes.GetOffset();

@@ -38,8 +38,12 @@ struct Host_MidiHeader {
   int mDivision = 0;   // 16 bits: ticks to the quarter note, or with bit 15 set an SMPTE rate
 };
 
+/// Far beyond music; keeps sums within 64 bits.
+constexpr long long kHost_MaxFileTick = 1ll << 40;
+
 /// Listens to the parser. The spans lie in the file's bytes and hold as long as those.
-/// Ticks are the file's own, from the beginning of the track, never falling, at most 2^40.
+/// Ticks are the file's own, from the beginning of the track, never falling, at most
+/// kHost_MaxFileTick.
 class Host_MidiFileVisitor {
 public:
   virtual ~Host_MidiFileVisitor();

@@ -6,6 +6,13 @@ namespace {
 
 constexpr long long kTicksPerSecond = Time_Globals::kTicksPerBeat * 2;  // at 120 beats a minute
 
+// In two parts, so that the products stay within 64 bits.
+long long Scale(long long iNumber, long long iNumerator, long long iDenominator) {
+  long long const whole = iNumber / iDenominator;
+  long long const rest = iNumber % iDenominator;
+  return whole * iNumerator + (2 * rest * iNumerator + iDenominator) / (2 * iDenominator);
+}
+
 }  // namespace
 
 Host_MidiTiming::Host_MidiTiming(int iDivision)
@@ -23,9 +30,9 @@ Host_MidiTiming::Host_MidiTiming(int iDivision)
 }
 
 Time_Tick Host_MidiTiming::ToTick(long long iFileTick) const {
-  // In two parts, so that the product stays within 64 bits.
-  long long const whole = iFileTick / mDenominator;
-  long long const rest = iFileTick % mDenominator;
-  return Time_Tick(whole * mNumerator +
-                   (2 * rest * mNumerator + mDenominator) / (2 * mDenominator));
+  return Time_Tick(Scale(iFileTick, mNumerator, mDenominator));
+}
+
+long long Host_MidiTiming::ToFileTick(Time_Tick iTick) const {
+  return Scale(iTick.AsInt64(), mDenominator, mNumerator);
 }

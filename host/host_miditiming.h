@@ -21,6 +21,13 @@ public:
 
   /// The nearest library tick, ties upward. iFileTick 0 to 2^40.
   Time_Tick ToTick(long long iFileTick) const;
+  /// The nearest file tick, ties upward: the reverse of the above, since file ticks are the longer
+  /// ones. Needs: iTick 0 or later.
+  long long ToFileTick(Time_Tick iTick) const;
+  /// Whether a file tick stands for exactly this one. Needs: iTick 0 or later.
+  bool IsOnGrid(Time_Tick iTick) const {
+    return ToTick(ToFileTick(iTick)).AsInt64() == iTick.AsInt64();
+  }
 
 private:
   int mTicks;
