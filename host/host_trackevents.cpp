@@ -5,10 +5,10 @@
 
 #include "foundation/time_convert.h"
 #include "host/host_midinumbers.h"
+#include "vrad/vrad_continuousdatastream.h"
 #include "vrad/vrad_eventstream.h"
 #include "vrad/vrad_extendedeventlist.h"
 #include "vrad/vrad_notelist.h"
-#include "vrad/vrae_filter.h"
 #include "vrad/vrae_substream.h"
 
 namespace {
@@ -82,19 +82,17 @@ private:
     mTrack.AddMessage({iTick, kTrackRank_Sysex, mIndex, -1, 0, 0}, bytes);
   }
 
-  // In the order in which a player would send them.
+  // As stored, in the order in which a player would send them: a retrieval would give times in
+  // samples as ticks, and what comes before the beginning at the beginning.
   void ReadValues() {
     Vrae_TimedEventList list;
-    Vrad_EventListWrapper wrapper(&list);
-    Vrae_Filter filter;
-    filter.SetAll();
-    filter.Set(Vrae_Filter::eDataType_Notes, false);
-    filter.Set(Vrae_Filter::eDataType_Sysex, false);
-    Time_Typed const start = Time_Typed::MinTime(Time_eType_Ticks);
-    Time_Typed const end = Time_Typed::MaxTime(Time_eType_Ticks);
-    mClip.mChunk.Get()->GetMidiEventsInRange(&wrapper, Time_TypedLength(), start, end, start, end,
-                                             false, nullptr, nullptr, filter, nullptr, false, 0,
-                                             kNoteOffInclusion_None);
+    for (Ndo_Ptr<Vrad_ContinuousDataStream> const & stream :
+         mClip.mChunk.Get()->GetContinuousList()) {
+      Vrad_ContinuousDataStreamTimedEventsInRangeIter iter(stream.Get());
+      for (; iter.IsMore(); ++iter)
+        list.push_back(*iter);
+    }
+    Vrad_EventListWrapper(&list).sort(0);
     for (Vrae_TimedEvent const & event : list)
       AddValue(event.mTime, event.mEvent);
   }
@@ -154,8 +152,9 @@ private:
     if (!ToTick(iNote.mTime, start) || !ToTick(endTime, end)) return;
     CountLostParts(iNote);
     CountMissingChannel(iNote.mTime);
-    mTrack.mNotes.push_back({start, std::max(end, Time_Saturating::Add(start, 1)), mIndex, WithChannel(0),
-                             event.GetPitch(), event.GetOnVelocity(), event.GetOffVelocity()});
+    mTrack.mNotes.push_back({start, std::max(end, Time_Saturating::Add(start, 1)), mIndex,
+                             WithChannel(0), event.GetPitch(), event.GetOnVelocity(),
+                             event.GetOffVelocity()});
   }
 
   void CountLostParts(Vrad_NoteListBase_Note const & iNote) {

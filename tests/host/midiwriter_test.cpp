@@ -312,7 +312,7 @@ TEST(Host_WriteMidiFile, RoundsTempos) {
   OneClip one;
   one.mSong.mTempoChanges = {{Time_Tick(0), 120.0}, {At(1), 97.3}, {At(2), 1.0}};
   EXPECT_EQ(Write(one.mSong), File({0,    0xff, 0x51, 3, 0x07, 0xa1, 0x20, 1,    0xff, 0x51, 3,
-                                    0x09, 0x68, 0x99, 1, 0xff, 0x51, 3,    0xff, 0xff, 0xff}));
+                                    0x09, 0x68, 0xca, 1, 0xff, 0x51, 3,    0xff, 0xff, 0xff}));
   EXPECT_THAT(NotWritten(one.mSong), ElementsAre("2 tempo rounded to microseconds"));
 }
 
