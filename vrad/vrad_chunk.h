@@ -125,8 +125,9 @@ public:
   /// unchanged and the list gets `NdoDelete`.
   void SetNoteList(Ndo_AutoPtr<Vrad_NoteListBase> iNoteListP);
 
-  // Edits of many events. Each goes store by store and drops the cached list at its end. A chunk
-  // given to itself acts as if it had been copied first.
+  // Edits of many events. Each goes store by store and drops the cached list. A chunk given to
+  // itself acts as if it had been copied first. Fails: `std::bad_alloc`; what the edit has done so
+  // far stands, and aborting the transaction takes it back.
 
   /// Merges in the source's events of [iStart, iEnd), moved by the offset. The mode says what the
   /// offset moves in notes; with any mode but times the other events come at their own times. While
@@ -136,8 +137,9 @@ public:
   void AddEventsFromChunk(Vrad_Chunk const * iSrc, Time_Typed iStart, Time_Typed iEnd,
                           Time_TypedLength iOffset, EMidiNudgeMode iMode);
 
-  /// Removes what equals the source's events of [iStart, iEnd), moved by the offset: of notes and
-  /// sysex one for each, of continuous values what stands at their times. A stream left empty goes.
+  /// Removes, for each of the source's events of [iStart, iEnd), moved by the offset, one that is
+  /// equal. A stream left empty goes. Notes come onto the grid where moving brings them there, the
+  /// other events do not.
   void EraseEventsFromChunk(Vrad_Chunk const * iSrc, Time_Typed iStart, Time_Typed iEnd,
                             Time_TypedLength iOffset);
 

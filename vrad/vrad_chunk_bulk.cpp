@@ -1,4 +1,5 @@
-// Edits of many events of a chunk, store by store.
+// Edits of many events of a chunk, store by store. The cached list goes ahead of the first store,
+// so that an edit that runs out of memory half way leaves none that no longer fits.
 #include "cmn/cmn_assert.h"
 #include "foundation/ticktimesmatter.h"
 #include "vrad/vrad_chunk.h"
@@ -37,6 +38,7 @@ bool MovesNotesAlone(EMidiNudgeMode iMode) {
 
 void Vrad_Chunk::AddEventsFromChunk(Vrad_Chunk const * iSrc, Time_Typed iStart, Time_Typed iEnd,
                                     Time_TypedLength iOffset, EMidiNudgeMode iMode) {
+  DropSortedEventList();
   if (iSrc->mNoteListP && mNoteListP) {
     Vrad_NoteList notes(kNotUndoable, mQuantizeContents);
     iSrc->mNoteListP->CopyTimeRange(&notes, iStart, iEnd);
@@ -50,11 +52,11 @@ void Vrad_Chunk::AddEventsFromChunk(Vrad_Chunk const * iSrc, Time_Typed iStart, 
     if (sourceP->IsEventInRange(iStart, iEnd))
       FindOrCreateContinuousStream(sourceP->GetSubStream())
           ->AddFromStream(sourceP.Get(), iStart, iEnd, offset);
-  DropSortedEventList();
 }
 
 void Vrad_Chunk::EraseEventsFromChunk(Vrad_Chunk const * iSrc, Time_Typed iStart, Time_Typed iEnd,
                                       Time_TypedLength iOffset) {
+  DropSortedEventList();
   if (iSrc->mNoteListP && mNoteListP) {
     Vrad_NoteList notes(kNotUndoable, mQuantizeContents);
     iSrc->mNoteListP->CopyTimeRange(&notes, iStart, iEnd);
@@ -72,23 +74,22 @@ void Vrad_Chunk::EraseEventsFromChunk(Vrad_Chunk const * iSrc, Time_Typed iStart
     mContinuousList[place]->EraseFromStream(sourceP, iStart, iEnd, iOffset);
     RemoveStreamIfEmpty(place);
   }
-  DropSortedEventList();
 }
 
 void Vrad_Chunk::EraseRange(Time_Typed iStart, Time_Typed iEnd) {
+  DropSortedEventList();
   if (mNoteListP) mNoteListP->EraseTimeRange(iStart, iEnd);
   mMiscEventsP->EraseRange(iStart, iEnd);
   for (size_t place = mContinuousList.size(); place-- > 0;)
     EraseStreamRange(place, iStart, iEnd);
-  DropSortedEventList();
 }
 
 // The index found is not compared, on purpose: the next stream above stands in for a missing one.
 void Vrad_Chunk::EraseSubStream(Vrae_SubStream const & iSubStream, Time_Typed iStart,
                                 Time_Typed iEnd) {
   size_t const place = FindPlace(iSubStream.GetIndex());
-  if (place < mContinuousList.size()) EraseStreamRange(place, iStart, iEnd);
   DropSortedEventList();
+  if (place < mContinuousList.size()) EraseStreamRange(place, iStart, iEnd);
 }
 
 void Vrad_Chunk::EraseStreamRange(size_t iPlace, Time_Typed iStart, Time_Typed iEnd) {
@@ -102,6 +103,7 @@ void Vrad_Chunk::AddClipBoundary(long long iBoundary) {
 
 void Vrad_Chunk::QuantizeEventsForTTM(Time_TypedLength iLength) {
   if (mIsMovedForTickTime) return;
+  DropSortedEventList();
   if (!mClipBoundaries.empty())
     MoveNotesForLegacyPlayback(iLength);
   else if (mNoteListP)
@@ -109,6 +111,5 @@ void Vrad_Chunk::QuantizeEventsForTTM(Time_TypedLength iLength) {
   mMiscEventsP->OffsetTimes(iLength);
   for (Ndo_Ptr<Vrad_ContinuousDataStream> const & streamP : mContinuousList)
     streamP->OffsetTimes(iLength);
-  DropSortedEventList();
   mIsMovedForTickTime = true;
 }

@@ -73,6 +73,7 @@ private:
 }  // namespace
 
 void Vrad_Chunk::MoveNotesForLegacyPlayback(Time_TypedLength iLength) {
+  DropSortedEventList();
   if (mNoteListP) {
     LegacyMove const move(mClipBoundaries, iLength);
     Vrad_NoteListBase moved(kNotUndoable, true);
@@ -87,5 +88,4 @@ void Vrad_Chunk::MoveNotesForLegacyPlayback(Time_TypedLength iLength) {
     }
     mNoteListP->ReplaceData(&moved);
   }
-  DropSortedEventList();
 }

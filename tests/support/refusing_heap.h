@@ -8,8 +8,8 @@
 
 namespace refusing_heap {
 
-inline long long gNumInUse = 0;     // blocks
-inline long long gNumLeft = -1;     // that many more requests are granted, then none; -1: all are
+inline long long gNumInUse = 0;  // blocks
+inline long long gNumLeft = -1;  // that many more requests are granted, then none; -1: all are
 
 inline void * TakeOrNull(size_t iSize) noexcept {
   if (gNumLeft == 0) return nullptr;
@@ -30,20 +30,17 @@ inline void GiveBack(void * iBlock) noexcept {
   std::free(iBlock);
 }
 
-/// Runs the body with the first request refused, then the second, and so on until it passes;
-/// after each refusal runs the check. Gives how often the body was refused.
-template <class TBody, class TCheck>
-int ForEveryRefusal(TBody iBody, TCheck iCheck) {
-  for (int num = 0;; ++num) {
-    gNumLeft = num;
-    try {
-      iBody();
-      gNumLeft = -1;
-      return num;
-    } catch (std::bad_alloc const &) {
-      gNumLeft = -1;
-    }
-    iCheck();
+/// Runs the body with so many requests granted. Whether it asked for more, and was refused.
+template <class TBody>
+bool IsRefusedAfter(int iNumGranted, TBody iBody) {
+  gNumLeft = iNumGranted;
+  try {
+    iBody();
+    gNumLeft = -1;
+    return false;
+  } catch (std::bad_alloc const &) {
+    gNumLeft = -1;
+    return true;
   }
 }
 

@@ -6,25 +6,13 @@
 #include "support/scrub_printing.h"
 
 using refusing_heap::gNumInUse;
-using refusing_heap::gNumLeft;
+using refusing_heap::IsRefusedAfter;
 
 namespace {
 
 void ExpectRefused(Vrad_ScrubList & ioList) {
-  int numRefused = 0;
-  gNumLeft = 0;
-  try {
-    ioList.AddNote(ScrubNote(60, 10, 20), false);
-  } catch (std::bad_alloc const &) {
-    ++numRefused;
-  }
-  try {
-    ioList.AddPitchBend(ScrubBend(5, 1), 0, true);
-  } catch (std::bad_alloc const &) {
-    ++numRefused;
-  }
-  gNumLeft = -1;
-  EXPECT_EQ(numRefused, 2);
+  EXPECT_TRUE(IsRefusedAfter(0, [&] { ioList.AddNote(ScrubNote(60, 10, 20), false); }));
+  EXPECT_TRUE(IsRefusedAfter(0, [&] { ioList.AddPitchBend(ScrubBend(5, 1), 0, true); }));
   EXPECT_EQ(MoveTo(ioList, 100), "");
   EXPECT_EQ(MoveTo(ioList, 0), "");
 }
