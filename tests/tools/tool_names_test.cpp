@@ -23,6 +23,25 @@ TEST(Tool_MakePrintable, ReplacesWhatIsNotUTF8) {
   EXPECT_EQ(Tool_MakePrintable("\xc0\x80", 24), "??");
 }
 
+TEST(Tool_MakePrintable, ReplacesWhatUTF8Forbids) {
+  EXPECT_EQ(Tool_MakePrintable("\xe0\x80\x80", 24), "???");                 // too long a form
+  EXPECT_EQ(Tool_MakePrintable("\xed\xa0\x80", 24), "???");                 // half of a pair
+  EXPECT_EQ(Tool_MakePrintable("\xf0\x80\x80\x80", 24), "????");            // too long a form
+  EXPECT_EQ(Tool_MakePrintable("\xf4\x90\x80\x80", 24), "????");            // past the last one
+  EXPECT_EQ(Tool_MakePrintable("\xef\xbf\xbe\xef\xbf\xbf", 24), "??????");  // none
+  EXPECT_EQ(Tool_MakePrintable("\xef\xbf\xbd \xee\x80\x80", 24), "\xef\xbf\xbd \xee\x80\x80");
+}
+
+TEST(Tool_EscapeForXML, KeepsWhatIsACharacter) {
+  EXPECT_EQ(Tool_EscapeForXML("Flöte <&\"'> ♫ 𝄞"), "Flöte <&\"'> ♫ 𝄞");
+}
+
+TEST(Tool_EscapeForXML, ShowsOtherBytesInHexadecimal) {
+  EXPECT_EQ(Tool_EscapeForXML("Fl\xf6te\n\x1b"), "Fl\\xf6te\\x0a\\x1b");
+  EXPECT_EQ(Tool_EscapeForXML(std::string("a\0b", 3)), "a\\x00b");
+  EXPECT_EQ(Tool_EscapeForXML("\xed\xa0\x80"), "\\xed\\xa0\\x80");
+}
+
 TEST(Tool_MakePrintable, ShortensToAWidth) {
   EXPECT_EQ(Tool_MakePrintable("abcde", 5), "abcde");
   EXPECT_EQ(Tool_MakePrintable("abcdef", 5), "abcd…");

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include "tools/vrad/command_dump.h"
 #include "tools/vrad/command_events.h"
 #include "tools/vrad/command_info.h"
 #include "tools/vrad/command_jump.h"
@@ -21,7 +22,7 @@ namespace {
 
 // In the order in which the help lists them.
 typedef std::tuple<Tool_InfoCommand, Tool_EventsCommand, Tool_WireCommand, Tool_StateCommand,
-                   Tool_JumpCommand, Tool_PictureCommand>
+                   Tool_JumpCommand, Tool_DumpCommand, Tool_PictureCommand>
     Commands;
 
 struct Entry {

@@ -2,21 +2,29 @@
 
 #include <vector>
 
+#include <fmt/format.h>
+
 namespace {
 
-// The length of the UTF-8 character at iAt, 0 if none stands there or it is a control character.
+// The length of the UTF-8 character at iAt, 0 if none stands there or it is a control character or
+// no character at all.
 size_t GetCharLength(std::string const & iText, size_t iAt) {
-  unsigned char const first = static_cast<unsigned char>(iText[iAt]);
+  auto const byte = [&](size_t i) { return static_cast<unsigned char>(iText[iAt + i]); };
+  unsigned const first = byte(0);
   if (first < 0x80) return first < 0x20 || first == 0x7f ? 0 : 1;
   if (first < 0xc2 || first > 0xf4) return 0;
   size_t const length = first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
   if (iText.size() - iAt < length) return 0;
+  unsigned code = first & (0x7fu >> length);
   for (size_t i = 1; i < length; ++i) {
-    if ((static_cast<unsigned char>(iText[iAt + i]) & 0xc0) != 0x80) return 0;
+    if ((byte(i) & 0xc0) != 0x80) return 0;
+    code = code << 6 | (byte(i) & 0x3fu);
   }
-  // The second row of control characters.
-  bool const isControl = first == 0xc2 && static_cast<unsigned char>(iText[iAt + 1]) < 0xa0;
-  return isControl ? 0 : length;
+  constexpr unsigned kLeast[] = {0, 0, 0xa0, 0x800,
+                                 0x10000};  // below: control, or written too long
+  bool const isSurrogate = code >= 0xd800 && code < 0xe000;
+  bool const isNone = code > 0x10ffff || (code & 0xfffe) == 0xfffe;
+  return code < kLeast[length] || isSurrogate || isNone ? 0 : length;
 }
 
 }  // namespace
@@ -35,6 +43,19 @@ std::string Tool_MakePrintable(std::string const & iName, size_t iMaxChars) {
   std::string result;
   for (std::string const & c : chars)
     result += c;
+  return result;
+}
+
+std::string Tool_EscapeForXML(std::string const & iName) {
+  std::string result;
+  for (size_t at = 0; at < iName.size();) {
+    size_t const length = GetCharLength(iName, at);
+    if (length == 0)
+      result += fmt::format("\\x{:02x}", static_cast<unsigned char>(iName[at]));
+    else
+      result += iName.substr(at, length);
+    at += length == 0 ? 1 : length;
+  }
   return result;
 }
 

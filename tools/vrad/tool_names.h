@@ -7,6 +7,9 @@
 /// the last of them "…" if there were more.
 std::string Tool_MakePrintable(std::string const & iName, size_t iMaxChars);
 
+/// The same bytes become "\xe9", each of them; all of the name stays. Markup is not escaped.
+std::string Tool_EscapeForXML(std::string const & iName);
+
 /// In characters, not bytes. Needs: what `Tool_MakePrintable` gives.
 size_t Tool_GetNumChars(std::string const & iName);
 
