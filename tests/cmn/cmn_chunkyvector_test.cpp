@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <memory>
 #include <new>
 #include <numeric>
@@ -14,13 +13,9 @@
 #include <utility>
 
 #include "cmn/cmn_assert.h"
+#include "support/counting_heap.h"
 
 namespace {
-
-// What has been taken from the heap and not given back, and how many requests are still granted.
-std::atomic<long long> sBytesTaken = 0;
-std::atomic<int> sNumTaken = 0;
-int sAllocationsLeft = -1;  // -1: any number
 
 struct Record {
   long long mKey;
@@ -72,49 +67,12 @@ int CountRefusals(Numbers const & iStart, TEdit iEdit) {
   std::string const expected = Print(iStart);
   for (int num = 0;; ++num) {
     Numbers numbers(iStart);
-    sAllocationsLeft = num;
-    try {
-      iEdit(numbers);
-      sAllocationsLeft = -1;
-      return num;
-    } catch (std::bad_alloc const &) {
-      sAllocationsLeft = -1;
-    }
+    if (!RunsOutOfMemory(num, [&] { iEdit(numbers); })) return num;
     EXPECT_EQ(expected, Print(numbers)) << "after " << num << " requests";
   }
 }
 
 }  // namespace
-
-void * operator new(size_t iSize) {
-  if (sAllocationsLeft == 0) throw std::bad_alloc();
-  if (sAllocationsLeft > 0) --sAllocationsLeft;
-  size_t * const block = static_cast<size_t *>(std::malloc(iSize + 16));
-  if (!block) throw std::bad_alloc();
-  *block = iSize;
-  sBytesTaken += static_cast<long long>(iSize);
-  ++sNumTaken;
-  return reinterpret_cast<char *>(block) + 16;
-}
-
-void * operator new(size_t iSize, std::nothrow_t const &) noexcept {
-  try {
-    return operator new(iSize);
-  } catch (std::bad_alloc const &) {
-    return nullptr;
-  }
-}
-
-void operator delete(void * iPlace) noexcept {
-  if (!iPlace) return;
-  size_t * const block = reinterpret_cast<size_t *>(static_cast<char *>(iPlace) - 16);
-  sBytesTaken -= static_cast<long long>(*block);
-  std::free(block);
-}
-
-void operator delete(void * iPlace, size_t) noexcept {
-  operator delete(iPlace);
-}
 
 TEST(Cmn_ChunkyPODVector, StartsEmpty) {
   Numbers const numbers;
@@ -454,4 +412,119 @@ TEST(Cmn_ChunkyVecDigest, FindsTheNextExtentAboveALimit) {
   EXPECT_EQ(400, numbers.GetImpl().FindExtentAbove(400, 1000, 600));
   EXPECT_EQ(200, numbers.GetImpl().FindExtentAbove(0, 200, 600));
   EXPECT_EQ(1000, numbers.GetImpl().FindExtentAbove(0, 1000, 1998));
+}
+
+TEST(Cmn_ChunkyPODVector_Append, OfAShortRunCopies) {
+  Numbers const source = MakeNumbers(1000);
+  Numbers numbers = MakeNumbers(3);
+  numbers.Append(source, 500, 504);
+  EXPECT_EQ("0 1 2 500 501 502 503 ", Print(numbers));
+}
+
+TEST(Cmn_ChunkyPODVector_Append, OfAnEmptyRunDoesNothing) {
+  Numbers const source = MakeNumbers(10);
+  Numbers numbers = MakeNumbers(3);
+  numbers.Append(source, 10, 10);
+  numbers.Append(source, 7, 5);
+  EXPECT_EQ("0 1 2 ", Print(numbers));
+}
+
+TEST(Cmn_ChunkyPODVector_Append, OfALongRunSharesIt) {
+  Numbers const source = MakeNumbers(100000);
+  Numbers numbers;
+  long long const bytesBefore = sBytesTaken;
+  numbers.Append(source, 100, 99900);
+  EXPECT_LT(sBytesTaken - bytesBefore, 40000);
+  EXPECT_EQ(99800, numbers.Size());
+  EXPECT_EQ(100, numbers[0]);
+  EXPECT_EQ(99899, std::as_const(numbers)[99799]);
+}
+
+TEST(Cmn_ChunkyPODVector_Append, OfItsOwnRecords) {
+  Numbers numbers = MakeNumbers(6);
+  numbers.Append(numbers, 2, 5);
+  EXPECT_EQ("0 1 2 3 4 5 2 3 4 ", Print(numbers));
+}
+
+TEST(Cmn_ChunkyPODVector_Append, OfManyRunsFillsItsChunks) {
+  Numbers const source = MakeNumbers(20000);
+  Numbers numbers;
+  long long const bytesBefore = sBytesTaken;
+  for (int i = 0; i < 20000; i += 5)
+    numbers.Append(source, i, i + 5);
+  EXPECT_LT(sBytesTaken - bytesBefore, 20000 * 4 * 5 / 2);
+  EXPECT_EQ(Print(source), Print(numbers));
+}
+
+TEST(Cmn_ChunkyPODVector_Append, LeavesCopiesAlone) {
+  Numbers const source = MakeNumbers(1000);
+  Numbers numbers = MakeNumbers(70);
+  Numbers const copy = numbers;
+  numbers.Append(source, 0, 10);
+  numbers.Append(source, 0, 500);
+  numbers.Append(source, 0, 3);
+  EXPECT_EQ(70, copy.Size());
+  EXPECT_EQ(583, numbers.Size());
+  EXPECT_EQ(1000, source.Size());
+}
+
+TEST(Cmn_ChunkyPODVector_Append, KeepsTheKeys) {
+  Numbers const source = MakeKeyedNumbers(1000);
+  Numbers numbers(&sDigest);
+  numbers.Append(source, 0, 30);
+  numbers.Append(source, 30, 700);
+  numbers.Append(source, 700, 1000);
+  Cmn_ChunkyVecSummary const all = numbers.GetImpl().Summarise();
+  EXPECT_TRUE(all.mAscending);
+  EXPECT_EQ(999, all.mLast);
+  EXPECT_EQ(1998, all.mGreatest);
+  EXPECT_EQ(3, all.mMarks);
+  EXPECT_EQ(333, numbers.GetImpl().LowerBound(333));
+}
+
+TEST(Cmn_ChunkyPODVector_Append, OfARunThatDescendsIsSeen) {
+  Numbers source(&sDigest);
+  for (int number : {5, 6, 4})
+    source.PushBack(number);
+  Numbers numbers = MakeKeyedNumbers(3);
+  numbers.Append(source, 0, 3);
+  EXPECT_FALSE(numbers.GetImpl().Summarise().mAscending);
+}
+
+TEST(Cmn_ChunkyPODVector_Append, OutOfMemoryChangesNothing) {
+  Numbers const source = MakeNumbers(10000);
+  EXPECT_LT(1, CountRefusals(MakeNumbers(70), [&source](Numbers & ioNumbers) {
+              ioNumbers.Append(source, 30, 9000);
+            }));
+}
+
+TEST(Cmn_ChunkyPODVector_Unshare, MakesWritingTakeNoMemory) {
+  Numbers numbers = MakeKeyedNumbers(1000);
+  Numbers const copy = numbers;
+  numbers.Unshare();
+  int const numBefore = sNumTaken;
+  for (int i = 0; i < 1000; ++i)
+    numbers[i] = -i;
+  EXPECT_EQ(numBefore, sNumTaken.load());
+  EXPECT_EQ(500, copy[500]);
+}
+
+TEST(Cmn_ChunkyPODVector_Unshare, OfAnEmptyOneDoesNothing) {
+  Numbers numbers;
+  numbers.Unshare();
+  EXPECT_EQ(0, numbers.Size());
+}
+
+TEST(Cmn_ChunkyPODVector_Unshare, OutOfMemoryChangesNothing) {
+  EXPECT_LT(10, CountRefusals(MakeNumbers(1000), [](Numbers & ioNumbers) { ioNumbers.Unshare(); }));
+}
+
+TEST(Cmn_ChunkyPODVector_Unshare, VoidsWhatIteratorsRemember) {
+  Numbers numbers = MakeNumbers(10);
+  auto const iter = std::as_const(numbers).At(5);
+  EXPECT_EQ(5, *iter);
+  Numbers const copy = numbers;
+  numbers.Unshare();
+  numbers[5] = 77;
+  EXPECT_EQ(77, *iter);
 }

@@ -87,7 +87,7 @@ public:
   Script() : mReal(&sDigest) {}
 
   void Step() {
-    switch (*rc::gen::inRange(0, 14)) {
+    switch (*rc::gen::inRange(0, 18)) {
     case 0:
       return AppendSome();
     case 1:
@@ -112,6 +112,12 @@ public:
       return TakeSnapshot();
     case 12:
       return RestoreSnapshot();
+    case 13:
+    case 14:
+    case 15:
+      return AppendRuns();
+    case 16:
+      return mReal.Unshare();
     default:
       return DropSnapshot();
     }
@@ -169,6 +175,21 @@ private:
     Sequence const & source = *real;
     mReal.Insert(mReal.At(at), source.At(first), source.At(last));
     mModel.insert(At(at), model.begin() + first, model.begin() + last);
+  }
+  // Short and long ones, of a snapshot and its own.
+  void AppendRuns() {
+    for (int i = *rc::gen::inRange(1, 6); i > 0; --i) {
+      if (mSnapshots.empty() || Size() > 20000) return;
+      auto const & [real, model] = mSnapshots[*rc::gen::inRange<size_t>(0, mSnapshots.size())];
+      bool const isOwn = *rc::gen::inRange(0, 4) == 0;
+      int const size = isOwn ? Size() : static_cast<int>(model.size());
+      int const first = *rc::gen::inRange(0, size + 1);
+      int const last = std::min(size, first + *rc::gen::inRange(0, 200));
+      Model const run =
+          isOwn ? Model(At(first), At(last)) : Model(model.begin() + first, model.begin() + last);
+      mReal.Append(isOwn ? mReal : *real, first, last);
+      mModel.insert(mModel.end(), run.begin(), run.end());
+    }
   }
   void EraseOne() {
     if (mModel.empty()) return;
