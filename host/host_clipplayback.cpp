@@ -70,39 +70,19 @@ bool ArePlayedAlike(Vrae_TimedEvent const & iA, Vrae_TimedEvent const & iB) {
 
 }  // namespace
 
-Host_PlayPosition Host_PlayPosition::At(long long iSample) {
-  return {iSample, Time_Typed(Time_Sample(iSample)).AsTick()};
-}
-
-long long Host_PlayPosition::SampleOf(Time_Typed iTime) {
-  if (iTime.GetType() == Time_eType_Samples) return iTime.AsInt64();
-  return Time_CountInUnit(iTime, Time_eType_Samples);
-}
-
 Host_ClipPlayback::Host_ClipPlayback(Vrad_Chunk * iChunkP, int iChannel, int iClip)
-    : mChunkP(iChunkP), mChannel(iChannel), mClip(iClip), mTold(&Host_GetChaseMap(), true) {
-  mLeft.mTick = Time_Typed::MinTime(Time_eType_Ticks);
-  mLeft.mSample = Time_Typed::MinTime(Time_eType_Samples).AsInt64();
-}
+    : mChunkP(iChunkP), mChannel(iChannel), mClip(iClip), mTold(&Host_GetChaseMap(), true) {}
 
 void Host_ClipPlayback::Prepare(Host_PlayPosition const & iPosition) {
   Density density = GetDensity(*mChunkP);
-  Host_ParameterChase parameters;
-  parameters.Build(*mChunkP);
+  Host_ParameterList parameters = Host_GetParameters(*mChunkP, mClip);
+  Host_ProgramChase programs;
+  programs.Build(*mChunkP);
   mEvents.reserve(density.GetMost());
+  mIsProgramNew = mIsProgramNew || !programs.IsSame(mPrograms, iPosition);
+  std::swap(mPrograms, programs);
   mHasSamples = density.HasSamples();
-
-  Time_Typed const time = ClipTime(iPosition);
-  mHaveParametersChanged =
-      mHaveParametersChanged ||
-      !parameters.IsSameUpTo(parameters.GetPlace(time), mParameters, mParameters.GetPlace(time));
-  std::swap(mParameters, parameters);
-}
-
-// What is in ticks is read tick by tick. A clip that holds samples is read by samples, as a tick
-// bound may lie beside them.
-Time_Typed Host_ClipPlayback::ClipTime(Host_PlayPosition const & iPosition) const {
-  return mHasSamples ? Time_Typed(Time_Sample(iPosition.mSample)) : iPosition.mTick;
+  mParameters.swap(parameters);
 }
 
 void Host_ClipPlayback::SendEvent(Vrae_Event const & iEvent, Host_WireOutput & ioOutput,

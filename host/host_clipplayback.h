@@ -4,6 +4,8 @@
 
 #include "foundation/time_typed.h"
 #include "host/host_parameterchase.h"
+#include "host/host_playposition.h"
+#include "host/host_programchase.h"
 #include "host/host_wireoutput.h"
 #include "vrad/vrae_chasetracker.h"
 #include "vrad/vrae_timedevent.h"
@@ -12,21 +14,6 @@
 class Vrad_Chunk;
 class Vrad_NoteListBase;
 class Vrad_NoteListBase_Note;
-
-/// A sample position and the tick up to which clips have been read when it is reached.
-struct Host_PlayPosition {
-  long long mSample = 0;
-  Time_Typed mTick;
-
-  static Host_PlayPosition At(long long iSample);
-  /// The sample in which the time lies.
-  static long long SampleOf(Time_Typed iTime);
-};
-
-/// What lies between two positions.
-struct Host_PlayStretch {
-  Host_PlayPosition mFrom, mTo;
-};
 
 /// One clip of a player. A clip is engaged while the receiver is kept in its state: playing, not
 /// muted, not taken away.
@@ -43,7 +30,7 @@ public:
   Host_ClipPlayback & operator=(Host_ClipPlayback const &) = delete;
 
   /// Makes room for the events of any stretch and gathers the parameters, as the chunk now stands.
-  /// Fails: std::bad_alloc; what was prepared before stays.
+  /// `iPosition`: where the player stands. Fails: std::bad_alloc; what was prepared before stays.
   void Prepare(Host_PlayPosition const & iPosition);
 
   /// The chunk is not touched any more.
@@ -54,6 +41,7 @@ public:
   int GetChannel() const { return mChannel; }
   bool IsEngaged() const { return mIsEngaged; }
   int GetNumLostNotes() const { return mNumLostNotes; }
+  Host_ParameterList const & GetParameters() const { return mParameters; }
 
   bool mIsMuted = false;
   bool mIsEdited = false;  // since the last block
@@ -64,18 +52,18 @@ public:
   void EndNotes(Host_WireOutput & ioOutput, Time_Typed iTime);
   void LiftPedals(Host_WireOutput & ioOutput, Time_Typed iTime);
   /// Notes, pedals, bend and pressures end; no longer engaged.
-  void Disengage(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition);
+  void Disengage(Host_WireOutput & ioOutput, Time_Typed iTime);
   /// Forgets what the receiver was told: there is another one.
   void ForgetReceiver();
 
   // Entering a state, in this order.
 
-  /// Brings the followed values to those before the position; all of them if it was not engaged.
-  void ChaseValues(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition,
+  /// Brings the followed values to those before the position, the program first. All of them if it
+  /// was not engaged, else what differs from those of the position that was left.
+  /// `iHasSelections`: the channel has parameters, whose data are no plain controllers then.
+  void ChaseValues(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
+                   Host_PlayPosition const & iTo, bool iHasSelections,
                    Vrae_ChaseTracker & ioScratch);
-  /// The same for parameters, from the position that was left. `iForce`: all of them.
-  void ChaseParameters(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
-                       Host_PlayPosition const & iTo, bool iForce);
   /// Strikes the notes that sound at the position. Engaged from here on.
   void StrikeNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition);
 
@@ -87,9 +75,13 @@ public:
                  Host_PlayPosition const & iTo);
 
   /// Adds what the clip holds before the position.
-  void AddChaseState(Vrae_ChaseTracker & ioTracker, Host_PlayPosition const & iPosition) const;
+  void AddChaseState(Vrae_ChaseTracker & ioTracker, Host_PlayPosition const & iPosition,
+                     bool iHasSelections) const;
   /// Whether the receiver was told this value for the clip.
   bool HasTold(Vrae_Event const & iEvent) const;
+  /// The program that stands before the position, with its bank. `iEvent`: as the clip has it.
+  void SendProgram(Vrae_Event const & iEvent, Host_WireOutput & ioOutput,
+                   Host_PlayPosition const & iPosition);
   void SendEvent(Vrae_Event const & iEvent, Host_WireOutput & ioOutput, Time_Typed iTime);
 
   // Playing a stretch, event by event.
@@ -105,7 +97,10 @@ public:
 private:
   enum class ENext { kEvent, kNoteOff, kRingingNoteOff };
 
-  Time_Typed ClipTime(Host_PlayPosition const & iPosition) const;
+  // What is in ticks is read tick by tick.
+  Time_Typed ClipTime(Host_PlayPosition const & iPosition) const {
+    return iPosition.AsBound(mHasSamples);
+  }
   Host_WireOutput::Origin OriginAt(Time_Typed iTime) const { return {mClip, mChannel, iTime}; }
 
   void SendNoteOff(Vrae_NoteInProgress const & iNote, Host_WireOutput & ioOutput, Time_Typed iTime);
@@ -119,7 +114,8 @@ private:
   bool IsPlayed(Vrad_NoteListBase_Note const & iNote) const;
   template <class TEnd>
   void ReplaceNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition, TEnd iEnd);
-  void ChaseProgram(Host_WireOutput & ioOutput, Time_Typed iTime, Vrae_ChaseTracker & ioScratch);
+  void ChaseProgram(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
+                    Host_PlayPosition const & iTo, Vrae_ChaseTracker & ioScratch);
   void SendNote(Vrae_TimedEvent const & iEvent, Host_WireOutput & ioOutput);
   void SortParameters();
 
@@ -136,9 +132,9 @@ private:
   int mCurrent = 0;
   Vrae_TrackState mRinging;  // what sounds from an earlier pass of a loop
   Vrae_ChaseTracker mTold;   // what the receiver was told for this clip
-  Host_ParameterChase mParameters;
-  bool mHaveParametersChanged = false;  // ahead of what was played, by an edit
-  Host_PlayPosition mLeft;              // where the clip was disengaged
+  Host_ParameterList mParameters;
+  Host_ProgramChase mPrograms;
+  bool mIsProgramNew = false;  // an edit has changed the one that stands
 
   Vrae_TimedEventList mEvents;  // of the stretch; room for those of any stretch
   size_t mNextEvent = 0;

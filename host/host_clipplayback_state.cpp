@@ -9,16 +9,12 @@ namespace {
 constexpr int kNumPitches = 128;
 
 // Hands what a tracker puts out to a clip's output.
-class ClipReceiver : public Vrae_EventReceiver, public Host_ParameterReceiver {
+class ClipReceiver : public Vrae_EventReceiver {
 public:
   ClipReceiver(Host_ClipPlayback & iClip, Host_WireOutput & iOutput, Time_Typed iTime)
       : mClip(iClip), mOutput(iOutput), mTime(iTime) {}
 
   void ReceiveEvent(Vrae_Event const & iEvent) override { mClip.SendEvent(iEvent, mOutput, mTime); }
-  void ReceiveParameterController(int iNumber, int iValue) override {
-    ReceiveEvent(
-        Vrae_ControllerEvent(static_cast<signed char>(iNumber), static_cast<signed char>(iValue)));
-  }
 
 private:
   Host_ClipPlayback & mClip;
@@ -68,13 +64,12 @@ void Host_ClipPlayback::LiftPedals(Host_WireOutput & ioOutput, Time_Typed iTime)
       SendEvent(Vrae_ControllerEvent(number, 0), ioOutput, iTime);
 }
 
-void Host_ClipPlayback::Disengage(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition) {
-  EndNotes(ioOutput, iPosition.mTick);
-  LiftPedals(ioOutput, iPosition.mTick);
-  ClipReceiver receiver(*this, ioOutput, iPosition.mTick);
+void Host_ClipPlayback::Disengage(Host_WireOutput & ioOutput, Time_Typed iTime) {
+  EndNotes(ioOutput, iTime);
+  LiftPedals(ioOutput, iTime);
+  ClipReceiver receiver(*this, ioOutput, iTime);
   mTold.DoMute(&receiver, false);
   mIsEngaged = false;
-  mLeft = iPosition;
 }
 
 void Host_ClipPlayback::ForgetReceiver() {
@@ -82,10 +77,12 @@ void Host_ClipPlayback::ForgetReceiver() {
 }
 
 void Host_ClipPlayback::AddChaseState(Vrae_ChaseTracker & ioTracker,
-                                      Host_PlayPosition const & iPosition) const {
+                                      Host_PlayPosition const & iPosition,
+                                      bool iHasSelections) const {
   // What stands at the position itself is still to be played.
   Time_Typed const last = iPosition.mTick - Time_TickLength(1);
   mChunkP->AddChaseStateAtTime(&ioTracker, last, Time_Typed::MinTime(Time_eType_Ticks));
+  if (!iHasSelections) return;
   for (signed char const number : kHost_ParameterControllers)
     ioTracker.ClearActiveFlag(Vrae_SubStream::Controller(number));
 }
@@ -97,12 +94,13 @@ bool Host_ClipPlayback::HasTold(Vrae_Event const & iEvent) const {
          entry.mValue == subStream.GetValueFromEvent(iEvent);
 }
 
-void Host_ClipPlayback::ChaseValues(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition,
+void Host_ClipPlayback::ChaseValues(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
+                                    Host_PlayPosition const & iTo, bool iHasSelections,
                                     Vrae_ChaseTracker & ioScratch) {
   ioScratch.Clear();
-  AddChaseState(ioScratch, iPosition);
-  ChaseProgram(ioOutput, iPosition.mTick, ioScratch);
-  ClipReceiver receiver(*this, ioOutput, iPosition.mTick);
+  AddChaseState(ioScratch, iTo, iHasSelections);
+  ChaseProgram(ioOutput, iFrom, iTo, ioScratch);
+  ClipReceiver receiver(*this, ioOutput, iTo.mTick);
   if (!mIsEngaged) {
     ioScratch.Prep(&receiver);
     return;
@@ -116,24 +114,23 @@ void Host_ClipPlayback::ChaseValues(Host_WireOutput & ioOutput, Host_PlayPositio
 }
 
 // Ahead of all else, as a program may reset controllers.
-void Host_ClipPlayback::ChaseProgram(Host_WireOutput & ioOutput, Time_Typed iTime,
-                                     Vrae_ChaseTracker & ioScratch) {
+void Host_ClipPlayback::ChaseProgram(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
+                                     Host_PlayPosition const & iTo, Vrae_ChaseTracker & ioScratch) {
   Vrae_SubStream const program = Vrae_SubStream::Program();
   Vrae_ChaseTracker_ChasingEntry entry;
   if (!ioScratch.GetChasingEntry(&entry, program) || !entry.mIsActive) return;
-  Vrae_Event const event = program.MakeEvent(entry.mValue);
-  if (!mIsEngaged || !HasTold(event)) SendEvent(event, ioOutput, iTime);
+  if (!mIsEngaged || mIsProgramNew || !mPrograms.IsSame(iFrom, iTo))
+    SendProgram(program.MakeEvent(entry.mValue), ioOutput, iTo);
+  mIsProgramNew = false;
   ioScratch.ClearActiveFlag(program);
 }
 
-void Host_ClipPlayback::ChaseParameters(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
-                                        Host_PlayPosition const & iTo, bool iForce) {
-  if (mParameters.IsEmpty()) return;
-  ClipReceiver receiver(*this, ioOutput, iTo.mTick);
-  int const from = mParameters.GetPlace(ClipTime(mIsEngaged ? iFrom : mLeft));
-  mParameters.Restore(from, mParameters.GetPlace(ClipTime(iTo)),
-                      iForce || !mIsEngaged || mHaveParametersChanged, receiver);
-  mHaveParametersChanged = false;
+void Host_ClipPlayback::SendProgram(Vrae_Event const & iEvent, Host_WireOutput & ioOutput,
+                                    Host_PlayPosition const & iPosition) {
+  ClipReceiver receiver(*this, ioOutput, iPosition.mTick);
+  mPrograms.Send(iPosition, receiver);
+  mTold.TrackEvent(iEvent);
+  ioOutput.GetChannelState(mChannel).TrackEvent(iEvent);
 }
 
 bool Host_ClipPlayback::IsPlayed(Vrad_NoteListBase_Note const & iNote) const {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <map>
 #include <tuple>
 
 #include "host/host_chasemap.h"
@@ -15,15 +14,32 @@ constexpr int kFirstSelection = 98;
 constexpr signed char kNull = 127;
 constexpr int kCoarseNumbers[] = {99, 101}, kFineNumbers[] = {98, 100};
 
-bool IsSelection(int iNumber) {
-  return iNumber >= kFirstSelection;
-}
-
 int StepOf(int iNumber) {
   return iNumber == kStepUp ? 1 : iNumber == kStepDown ? -1 : 0;
 }
 
 }  // namespace
+
+Host_ParameterList Host_GetParameters(Vrad_Chunk const & iChunk, int iClip) {
+  Host_ParameterList list;
+  for (Ndo_Ptr<Vrad_ContinuousDataStream> const & streamP : iChunk.GetContinuousList()) {
+    Vrae_SubStream const subStream = streamP->GetSubStream();
+    bool const isController = subStream.GetType() == Vrae_SubStream::Controller(1).GetType();
+    if (!isController || Host_GetParameterRank(subStream.GetSubType()) == 0) continue;
+    for (Vrad_ContinuousDataStreamTimedEventsInRangeIter iter(streamP.Get()); iter.IsMore();
+         ++iter) {
+      Vrae_TimedEvent const event = *iter;
+      Vrae_ControllerEvent const & controller = event.mEvent.AsController();
+      list.push_back({event.mTime, iClip, controller.GetControllerNumber(), controller.GetValue()});
+    }
+  }
+  std::stable_sort(list.begin(), list.end(),
+                   [](Host_ParameterMessage const & iA, Host_ParameterMessage const & iB) {
+                     if (iA.mTime != iB.mTime) return iA.mTime < iB.mTime;
+                     return Host_GetParameterRank(iA.mNumber) < Host_GetParameterRank(iB.mNumber);
+                   });
+  return list;
+}
 
 // What the data of one parameter have come to while they are gone through.
 struct Host_ParameterChase::DataRun {
@@ -32,10 +48,9 @@ struct Host_ParameterChase::DataRun {
   int mCoarseFrom = kUnknown, mFineFrom = kUnknown;  // where what tells each part begins
   int mNumSteps = 0;
 
-  void Set(std::vector<Datum> & ioData, int iDatum, int & ioNow, int & ioFrom) {
+  static void Set(std::vector<Datum> & ioData, int iDatum, int & ioNow, int & ioFrom) {
     if (ioNow != kUnknown) ioData[static_cast<size_t>(ioNow)].mNext = iDatum;
-    ioNow = iDatum;
-    ioFrom = iDatum;
+    ioNow = ioFrom = iDatum;
   }
 
   // A step carries from one part to the other, so from here on each depends on both.
@@ -46,30 +61,128 @@ struct Host_ParameterChase::DataRun {
       mCoarseFrom = mFineFrom = std::min(mCoarseFrom, mFineFrom);
   }
 
-  int GetFirst() const {
-    if (mFineFrom == kUnknown || mCoarseFrom == kUnknown) return mFineFrom;
-    return std::min(mFineFrom, mCoarseFrom);
+  void Add(int iNumber, std::vector<Datum> & ioData, int iDatum) {
+    if (iNumber == kDataCoarse) {
+      Set(ioData, iDatum, mCoarseNow, mCoarseFrom);
+      mCoarse = iDatum;
+    } else if (iNumber == kDataFine) {
+      Set(ioData, iDatum, mFineNow, mFineFrom);
+    } else {
+      Step(StepOf(iNumber));
+    }
+    Datum & datum = ioData[static_cast<size_t>(iDatum)];
+    datum.mFirst = mFineFrom == kUnknown || mCoarseFrom == kUnknown
+                       ? mFineFrom
+                       : std::min(mFineFrom, mCoarseFrom);
+    datum.mCoarse = mCoarse;
+    datum.mNumSteps = mNumSteps;
   }
 };
 
-std::vector<Host_ParameterChase::Message> Host_ParameterChase::Gather(Vrad_Chunk const & iChunk) {
-  std::vector<Message> messages;
-  for (Ndo_Ptr<Vrad_ContinuousDataStream> const & streamP : iChunk.GetContinuousList()) {
-    Vrae_SubStream const subStream = streamP->GetSubStream();
-    if (subStream.GetType() != Vrae_SubStream::Controller(1).GetType()) continue;
-    if (Host_GetParameterRank(subStream.GetSubType()) == 0) continue;
-    for (Vrad_ContinuousDataStreamTimedEventsInRangeIter iter(streamP.Get()); iter.IsMore();
-         ++iter) {
-      Vrae_TimedEvent const event = *iter;
-      auto const & controller = event.mEvent.mU.mController;
-      messages.push_back({event.mTime, controller.mControllerNumber, controller.mValue, {}});
-    }
+// Sends what brings a receiver from one place to another.
+class Host_ParameterChase::Sender {
+public:
+  Sender(Host_ParameterChase const & iChase, Selection const & iPresent,
+         Host_ParameterReceiver & iOutput)
+      : mChase(iChase), mPresent(iPresent), mOutput(iOutput) {}
+
+  void Select(EKind iKind, Pair iPair, int iClip) {
+    if (mPresent.mKind == iKind && mPresent.mPairs[iKind] == iPair) return;
+    if (iPair.mCoarse != kUnknown)
+      mOutput.ReceiveParameterController(iClip, kCoarseNumbers[iKind], iPair.mCoarse);
+    if (iPair.mFine != kUnknown)
+      mOutput.ReceiveParameterController(iClip, kFineNumbers[iKind], iPair.mFine);
+    mPresent.mKind = iKind;
+    mPresent.mPairs[iKind] = iPair;
   }
-  std::stable_sort(messages.begin(), messages.end(), [](Message const & iA, Message const & iB) {
-    if (iA.mTime != iB.mTime) return iA.mTime < iB.mTime;
-    return Host_GetParameterRank(iA.mNumber) < Host_GetParameterRank(iB.mNumber);
+
+  // Where nothing, or half a parameter, is selected, data must not reach what stood before.
+  void SelectAll(Selection const & iWanted, int iClip) {
+    if (iWanted == mPresent) return;
+    if (iWanted.mKind == kNone) {
+      Select(kRegistered, {kNull, kNull}, iClip);
+      return;
+    }
+    EKind const other = iWanted.mKind == kRegistered ? kNonRegistered : kRegistered;
+    if (iWanted.mPairs[other].IsKnown() && iWanted.mPairs[other] != mPresent.mPairs[other])
+      Select(other, iWanted.mPairs[other], iClip);
+    if (!iWanted.mPairs[iWanted.mKind].IsKnown()) Select(iWanted.mKind, {kNull, kNull}, iClip);
+    Select(iWanted.mKind, iWanted.mPairs[iWanted.mKind], iClip);
+  }
+
+  void SendValue(int iFrom, int iTo) {
+    Datum const & last = DatumAt(iTo);
+    if (last.mFirst != kUnknown) {
+      for (int i = last.mFirst; i <= iTo; ++i)
+        if (DatumAt(i).mNext == kUnknown || DatumAt(i).mNext > iTo) Send(i);
+      return;
+    }
+    // The fine part began at a value that only the receiver knows. The steps that follow the
+    // coarse datum are sent again, so these are left out of the difference.
+    int const stepsSent =
+        last.mCoarse == kUnknown ? last.mNumSteps : DatumAt(last.mCoarse).mNumSteps;
+    if (iFrom == kUnknown)
+      SendSteps(stepsSent, iTo);
+    else if (DatumAt(iFrom).mFirst == kUnknown)
+      SendSteps(stepsSent - DatumAt(iFrom).mNumSteps, iTo);
+    if (last.mCoarse == kUnknown) return;
+    Send(last.mCoarse);
+    for (int i = last.mCoarse + 1; i <= iTo; ++i)
+      Send(i);
+  }
+
+private:
+  Datum const & DatumAt(int iDatum) const { return mChase.mData[static_cast<size_t>(iDatum)]; }
+
+  void Send(int iDatum) {
+    Message const & message = mChase.MessageOf(iDatum);
+    mOutput.ReceiveParameterController(message.mClip, message.mNumber, message.mValue);
+  }
+
+  void SendSteps(int iNumSteps, int iDatum) {
+    for (int i = 0; i < std::abs(iNumSteps); ++i)
+      mOutput.ReceiveParameterController(mChase.MessageOf(iDatum).mClip,
+                                         iNumSteps > 0 ? kStepUp : kStepDown, 0);
+  }
+
+  Host_ParameterChase const & mChase;
+  Selection mPresent;
+  Host_ParameterReceiver & mOutput;
+};
+
+void Host_ParameterChase::Reserve(size_t iNumMessages) {
+  mMessages.reserve(iNumMessages);
+  mFormer.reserve(iNumMessages);
+  mData.reserve(iNumMessages);
+  mParameters.reserve(iNumMessages);
+  mDue.reserve(iNumMessages);
+}
+
+void Host_ParameterChase::Begin() {
+  mFormer.swap(mMessages);
+  mMessages.clear();
+}
+
+void Host_ParameterChase::Add(Host_ParameterList const & iList) {
+  for (Host_ParameterMessage const & message : iList)
+    mMessages.push_back({message, static_cast<int>(mMessages.size()), Selection()});
+}
+
+void Host_ParameterChase::End() {
+  std::sort(mMessages.begin(), mMessages.end(), [](Message const & iA, Message const & iB) {
+    return iA.mTime == iB.mTime ? iA.mSequence < iB.mSequence : iA.mTime < iB.mTime;
   });
-  return messages;
+  mHasSamples = std::any_of(mMessages.begin(), mMessages.end(), [](Message const & iMessage) {
+    return iMessage.mTime.GetType() == Time_eType_Samples;
+  });
+  Selection selection;
+  for (Message & message : mMessages) {
+    Apply(message, selection);
+    message.mSelection = selection;
+  }
+  mHasSelections = selection.mKind != kNone;
+  GatherData();
+  FindParameters();
 }
 
 void Host_ParameterChase::Apply(Message const & iMessage, Selection & ioSelection) {
@@ -85,70 +198,58 @@ void Host_ParameterChase::Apply(Message const & iMessage, Selection & ioSelectio
   }
 }
 
-void Host_ParameterChase::Build(Vrad_Chunk const & iChunk) {
-  mMessages.clear();
-  mParameters.clear();
-  std::vector<Message> messages = Gather(iChunk);
-  Selection selection;
-  for (Message & message : messages) {
-    Apply(message, selection);
-    message.mSelection = selection;
+void Host_ParameterChase::GatherData() {
+  constexpr int kNumPairs = 128 * 128;
+  mData.clear();
+  for (size_t i = 0; i < mMessages.size(); ++i) {
+    EKind const kind = mMessages[i].mSelection.mKind;
+    if (mMessages[i].mNumber >= kFirstSelection || kind == kNone) continue;
+    Pair const pair = mMessages[i].mSelection.mPairs[kind];
+    if (!pair.IsKnown() || pair == Pair{kNull, kNull}) continue;
+    int const key = kind * kNumPairs + pair.mCoarse * 128 + pair.mFine;
+    mData.push_back({key, static_cast<int>(i), kUnknown, kUnknown, kUnknown, 0});
   }
-  mMessages.swap(messages);
-  try {
-    FindParameters();
-    mOrder.reserve(mParameters.size());
-  } catch (...) {
-    mMessages.clear();
-    mParameters.clear();
-    throw;
-  }
+  std::sort(mData.begin(), mData.end(), [](Datum const & iA, Datum const & iB) {
+    return std::tie(iA.mKey, iA.mMessage) < std::tie(iB.mKey, iB.mMessage);
+  });
 }
 
 void Host_ParameterChase::FindParameters() {
-  std::map<std::tuple<int, int, int>, size_t> places;
-  std::vector<DataRun> runs;
-  bool const hasSelections = !mMessages.empty() && mMessages.back().mSelection.mKind != kNone;
-  for (size_t i = 0; i < mMessages.size(); ++i) {
-    Message const & message = mMessages[i];
-    if (IsSelection(message.mNumber)) continue;
-    EKind const kind = message.mSelection.mKind;
-    if (hasSelections && kind == kNone) continue;
-    Pair const pair = kind == kNone ? Pair() : message.mSelection.mPairs[kind];
-    if (kind != kNone && (!pair.IsKnown() || pair == Pair{kNull, kNull})) continue;
-
-    auto const [place, isNew] =
-        places.try_emplace(std::tuple(kind, pair.mCoarse, pair.mFine), mParameters.size());
+  mParameters.clear();
+  DataRun run;
+  int const numData = static_cast<int>(mData.size());
+  for (int i = 0; i < numData; ++i) {
+    bool const isNew =
+        i == 0 || mData[static_cast<size_t>(i)].mKey != mData[static_cast<size_t>(i) - 1].mKey;
     if (isNew) {
-      mParameters.push_back({kind, pair, {}});
-      runs.emplace_back();
+      Selection const & selection = MessageOf(i).mSelection;
+      mParameters.push_back({selection.mKind, selection.mPairs[selection.mKind], i, i});
+      run = DataRun();
     }
-    std::vector<Datum> & data = mParameters[place->second].mData;
-    DataRun & run = runs[place->second];
-    int const datum = static_cast<int>(data.size());
-    if (message.mNumber == kDataCoarse) {
-      run.mCoarse = datum;
-      run.Set(data, datum, run.mCoarseNow, run.mCoarseFrom);
-    } else if (message.mNumber == kDataFine) {
-      run.Set(data, datum, run.mFineNow, run.mFineFrom);
-    } else {
-      run.Step(StepOf(message.mNumber));
-    }
-    data.push_back({static_cast<int>(i), run.GetFirst(), run.mCoarse, kUnknown, run.mNumSteps});
+    run.Add(MessageOf(i).mNumber, mData, i);
+    mParameters.back().mEnd = i + 1;
   }
 }
 
-int Host_ParameterChase::GetPlace(Time_Typed iTime) const {
-  auto const place =
-      std::partition_point(mMessages.begin(), mMessages.end(),
-                           [iTime](Message const & iMessage) { return iMessage.mTime < iTime; });
-  return static_cast<int>(place - mMessages.begin());
+Host_ParameterChase::Message const & Host_ParameterChase::MessageOf(int iDatum) const {
+  return mMessages[static_cast<size_t>(mData[static_cast<size_t>(iDatum)].mMessage)];
 }
 
-bool Host_ParameterChase::IsSameUpTo(int iPlace, Host_ParameterChase const & iOther,
-                                     int iOtherPlace) const {
-  return iPlace == iOtherPlace &&
-         std::equal(mMessages.begin(), mMessages.begin() + iPlace, iOther.mMessages.begin(),
+int Host_ParameterChase::PlaceIn(std::vector<Message> const & iMessages, Time_Typed iTime) {
+  auto const place =
+      std::partition_point(iMessages.begin(), iMessages.end(),
+                           [iTime](Message const & iMessage) { return iMessage.mTime < iTime; });
+  return static_cast<int>(place - iMessages.begin());
+}
+
+int Host_ParameterChase::GetPlace(Host_PlayPosition const & iPosition) const {
+  return PlaceIn(mMessages, iPosition.AsBound(mHasSamples));
+}
+
+bool Host_ParameterChase::IsSameUpTo(Host_PlayPosition const & iPosition) const {
+  int const place = GetPlace(iPosition);
+  return PlaceIn(mFormer, iPosition.AsBound(mHasSamples)) == place &&
+         std::equal(mMessages.begin(), mMessages.begin() + place, mFormer.begin(),
                     [](Message const & iA, Message const & iB) {
                       return iA.mTime == iB.mTime && iA.mNumber == iB.mNumber &&
                              iA.mValue == iB.mValue;
@@ -157,10 +258,11 @@ bool Host_ParameterChase::IsSameUpTo(int iPlace, Host_ParameterChase const & iOt
 
 // The last datum ahead of the place.
 int Host_ParameterChase::GetLast(Parameter const & iParameter, int iPlace) const {
+  auto const begin = mData.begin() + iParameter.mBegin;
   auto const last =
-      std::partition_point(iParameter.mData.begin(), iParameter.mData.end(),
+      std::partition_point(begin, mData.begin() + iParameter.mEnd,
                            [iPlace](Datum const & iDatum) { return iDatum.mMessage < iPlace; });
-  return static_cast<int>(last - iParameter.mData.begin()) - 1;
+  return last == begin ? kUnknown : static_cast<int>(last - mData.begin()) - 1;
 }
 
 Host_ParameterChase::Selection Host_ParameterChase::GetSelection(int iPlace) const {
@@ -168,73 +270,23 @@ Host_ParameterChase::Selection Host_ParameterChase::GetSelection(int iPlace) con
 }
 
 void Host_ParameterChase::Restore(int iFrom, int iTo, bool iForce,
-                                  Host_ParameterReceiver & iOutput) const {
-  if (iFrom == iTo && !iForce) return;
-  mOrder.clear();
+                                  Host_ParameterReceiver & iOutput) {
+  if (mMessages.empty() || (iFrom == iTo && !iForce)) return;
+  mDue.clear();
   for (size_t i = 0; i < mParameters.size(); ++i) {
     int const last = GetLast(mParameters[i], iTo);
-    bool const mayStand = last == GetLast(mParameters[i], iFrom) && !iForce;
-    if (last != kUnknown && !mayStand)
-      mOrder.emplace_back(mParameters[i].mData[static_cast<size_t>(last)].mMessage,
-                          static_cast<int>(i));
+    if (last != kUnknown && (iForce || last != GetLast(mParameters[i], iFrom)))
+      mDue.push_back({mData[static_cast<size_t>(last)].mMessage, static_cast<int>(i)});
   }
-  std::sort(mOrder.begin(), mOrder.end());
+  std::sort(mDue.begin(), mDue.end(),
+            [](Due const & iA, Due const & iB) { return iA.mMessage < iB.mMessage; });
 
-  Selection present = iForce ? Selection() : GetSelection(iFrom);
-  for (auto const & [message, index] : mOrder) {
-    Parameter const & parameter = mParameters[static_cast<size_t>(index)];
-    if (parameter.mKind != kNone) Select(parameter.mKind, parameter.mPair, present, iOutput);
-    SendValue(parameter, GetLast(parameter, iFrom), GetLast(parameter, iTo), iOutput);
+  Sender sender(*this, iForce ? Selection() : GetSelection(iFrom), iOutput);
+  for (Due const & due : mDue) {
+    Parameter const & parameter = mParameters[static_cast<size_t>(due.mParameter)];
+    sender.Select(parameter.mKind, parameter.mPair,
+                  mMessages[static_cast<size_t>(due.mMessage)].mClip);
+    sender.SendValue(GetLast(parameter, iFrom), GetLast(parameter, iTo));
   }
-  SelectAll(GetSelection(iTo), present, iOutput);
-}
-
-void Host_ParameterChase::Select(EKind iKind, Pair iPair, Selection & ioPresent,
-                                 Host_ParameterReceiver & iOutput) {
-  if (ioPresent.mKind == iKind && ioPresent.mPairs[iKind] == iPair) return;
-  if (iPair.mCoarse != kUnknown)
-    iOutput.ReceiveParameterController(kCoarseNumbers[iKind], iPair.mCoarse);
-  if (iPair.mFine != kUnknown) iOutput.ReceiveParameterController(kFineNumbers[iKind], iPair.mFine);
-  ioPresent.mKind = iKind;
-  ioPresent.mPairs[iKind] = iPair;
-}
-
-// Where nothing, or half a parameter, is selected, data must not reach what stood before.
-void Host_ParameterChase::SelectAll(Selection const & iWanted, Selection & ioPresent,
-                                    Host_ParameterReceiver & iOutput) {
-  if (iWanted == ioPresent) return;
-  if (iWanted.mKind == kNone) {
-    Select(kRegistered, {kNull, kNull}, ioPresent, iOutput);
-    return;
-  }
-  EKind const other = iWanted.mKind == kRegistered ? kNonRegistered : kRegistered;
-  if (iWanted.mPairs[other] != ioPresent.mPairs[other] && iWanted.mPairs[other].IsKnown())
-    Select(other, iWanted.mPairs[other], ioPresent, iOutput);
-  if (!iWanted.mPairs[iWanted.mKind].IsKnown())
-    Select(iWanted.mKind, {kNull, kNull}, ioPresent, iOutput);
-  Select(iWanted.mKind, iWanted.mPairs[iWanted.mKind], ioPresent, iOutput);
-}
-
-void Host_ParameterChase::SendValue(Parameter const & iParameter, int iFrom, int iTo,
-                                    Host_ParameterReceiver & iOutput) const {
-  auto const send = [&](Datum const & iDatum) {
-    Message const & message = mMessages[static_cast<size_t>(iDatum.mMessage)];
-    iOutput.ReceiveParameterController(message.mNumber, message.mValue);
-  };
-  auto const datumAt = [&](int iDatum) -> Datum const & {
-    return iParameter.mData[static_cast<size_t>(iDatum)];
-  };
-  Datum const & last = datumAt(iTo);
-  if (last.mFirst != kUnknown) {
-    for (int i = last.mFirst; i <= iTo; ++i)
-      if (datumAt(i).mNext == kUnknown || datumAt(i).mNext > iTo) send(datumAt(i));
-    return;
-  }
-  // Its fine part began at a value that only the receiver knows.
-  if (iFrom == kUnknown || datumAt(iFrom).mFirst == kUnknown) {
-    int const numSteps = last.mNumSteps - (iFrom == kUnknown ? 0 : datumAt(iFrom).mNumSteps);
-    for (int i = 0; i < std::abs(numSteps); ++i)
-      iOutput.ReceiveParameterController(numSteps > 0 ? kStepUp : kStepDown, 0);
-  }
-  if (last.mCoarse != kUnknown) send(datumAt(last.mCoarse));
+  sender.SelectAll(GetSelection(iTo), mMessages[static_cast<size_t>(std::max(iTo, 1)) - 1].mClip);
 }

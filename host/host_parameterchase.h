@@ -1,47 +1,63 @@
-// Registered and non-registered parameters of a clip: which data each of them holds at a position.
+// Registered and non-registered parameters of a channel: what each of them holds at a position.
 #pragma once
 
 #include <utility>
 #include <vector>
 
 #include "foundation/time_typed.h"
+#include "host/host_playposition.h"
 
 class Vrad_Chunk;
+
+/// One of the controllers that select parameters, 98 to 101, or set the one selected: 6 and 38
+/// coarse and fine, 96 and 97 step by step.
+struct Host_ParameterMessage {
+  Time_Typed mTime;
+  int mClip;
+  signed char mNumber;
+  signed char mValue;
+};
+/// In order of playing: at one time selections come before data, and data before steps.
+typedef std::vector<Host_ParameterMessage> Host_ParameterList;
+
+/// The streams that a clip keeps of these controllers, as one list. Takes memory; O(m log m).
+Host_ParameterList Host_GetParameters(Vrad_Chunk const & iChunk, int iClip);
 
 /// Takes what restores parameters, message by message.
 class Host_ParameterReceiver {
 public:
   virtual ~Host_ParameterReceiver() = default;
-  virtual void ReceiveParameterController(int iNumber, int iValue) = 0;
+  virtual void ReceiveParameterController(int iClip, int iNumber, int iValue) = 0;
 };
 
-/// Controllers 98 to 101 select a parameter; 6 and 38 set its value, coarse and fine, and 96 and 97
-/// step it. A clip keeps each of the eight as a stream of its own, so one list is made of them when
-/// the clip is added or edited. Positions are places in that list: a place stands for what the
-/// messages ahead of it leave.
-///
-/// Data sent while nothing, half a parameter or "none" (127, 127) is selected belongs to no
-/// parameter and is not restored, unless the clip selects nothing at all: then 6 and 38 are a
-/// parameter of their own.
-/// m messages: making the list costs O(m log m), finding a place O(log m). Restoring costs O(log m)
-/// for each parameter, and a step for each datum since both parts of its value were last set.
-/// Thread: one at a time. `Build` takes memory, nothing else does.
+/// The messages of all clips that play on a channel, merged. Positions are places among them: a
+/// place stands for what the messages ahead of it leave. Data sent while nothing, half a parameter
+/// or "none" (127, 127) is selected belongs to no parameter and is not restored.
+/// m messages: merging costs O(m log m), finding a place O(log m). Restoring costs O(log m) for
+/// each parameter, and a step for each datum since both parts of its value were last set. Thread:
+/// one at a time. `Reserve` takes memory, nothing else does.
 class Host_ParameterChase {
 public:
-  /// Makes the list anew. Fails: std::bad_alloc; the list is empty.
-  void Build(Vrad_Chunk const & iChunk);
+  /// Room for that many messages. Fails: std::bad_alloc; nothing is changed.
+  void Reserve(size_t iNumMessages);
 
-  bool IsEmpty() const { return mMessages.empty(); }
-  /// The number of messages before the time.
-  int GetPlace(Time_Typed iTime) const;
-  /// Whether both lists have the same messages up to the places.
-  bool IsSameUpTo(int iPlace, Host_ParameterChase const & iOther, int iOtherPlace) const;
+  /// Starts to merge anew. The former list is kept for comparison.
+  void Begin();
+  void Add(Host_ParameterList const & iList);
+  void End();
+
+  /// Whether anything is selected anywhere. Without it, 6, 38, 96 and 97 are plain controllers.
+  bool HasSelections() const { return mHasSelections; }
+  /// The number of messages before the position.
+  int GetPlace(Host_PlayPosition const & iPosition) const;
+  /// Whether the former list had the same messages before the position.
+  bool IsSameUpTo(Host_PlayPosition const & iPosition) const;
 
   /// What leads from one place to another: the value of each parameter that has one there and may
   /// not have it yet, behind its selection, in order of the last data of each; in the end the
   /// selection of that place. A fine value that was only ever stepped is stepped by the difference.
   /// Nothing for a place to itself. With `iForce` all values are sent, whatever stands.
-  void Restore(int iFrom, int iTo, bool iForce, Host_ParameterReceiver & iOutput) const;
+  void Restore(int iFrom, int iTo, bool iForce, Host_ParameterReceiver & iOutput);
 
 private:
   enum EKind : signed char { kNonRegistered, kRegistered, kNone };
@@ -58,13 +74,12 @@ private:
     Pair mPairs[kNone];
     bool operator==(Selection const &) const = default;
   };
-  struct Message {
-    Time_Typed mTime;
-    signed char mNumber;
-    signed char mValue;
+  struct Message : Host_ParameterMessage {
+    int mSequence;         // in order of adding
     Selection mSelection;  // when it has been sent
   };
   struct Datum {
+    int mKey;       // of its parameter
     int mMessage;   // its place
     int mFirst;     // datum from which on the data tell the value; kUnknown: its fine part is open
     int mCoarse;    // the last coarse datum up to here; kUnknown
@@ -74,24 +89,29 @@ private:
   struct Parameter {
     EKind mKind;
     Pair mPair;
-    std::vector<Datum> mData;
+    int mBegin, mEnd;  // its data
   };
   struct DataRun;
+  struct Due {
+    int mMessage;  // the last one of the parameter
+    int mParameter;
+  };
 
-  static std::vector<Message> Gather(Vrad_Chunk const & iChunk);
   static void Apply(Message const & iMessage, Selection & ioSelection);
+  void GatherData();
   void FindParameters();
   int GetLast(Parameter const & iParameter, int iPlace) const;
   Selection GetSelection(int iPlace) const;
+  Message const & MessageOf(int iDatum) const;
+  static int PlaceIn(std::vector<Message> const & iMessages, Time_Typed iTime);
 
-  static void Select(EKind iKind, Pair iPair, Selection & ioPresent,
-                     Host_ParameterReceiver & iOutput);
-  static void SelectAll(Selection const & iWanted, Selection & ioPresent,
-                        Host_ParameterReceiver & iOutput);
-  void SendValue(Parameter const & iParameter, int iFrom, int iTo,
-                 Host_ParameterReceiver & iOutput) const;
+  class Sender;
 
   std::vector<Message> mMessages;  // in order of playing
+  std::vector<Message> mFormer;
+  std::vector<Datum> mData;  // by parameter, then in order of playing
   std::vector<Parameter> mParameters;
-  mutable std::vector<std::pair<int, int>> mOrder;  // last message and parameter; room for all
+  std::vector<Due> mDue;  // empty between calls; room for all parameters
+  bool mHasSelections = false;
+  bool mHasSamples = false;  // some message is not in ticks
 };

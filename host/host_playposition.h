@@ -1,0 +1,31 @@
+// Where a player stands.
+#pragma once
+
+#include "foundation/time_typed.h"
+
+/// A sample, and the tick up to which clips have been read when it is reached.
+struct Host_PlayPosition {
+  long long mSample = 0;
+  Time_Typed mTick;
+
+  static Host_PlayPosition At(long long iSample) {
+    return {iSample, Time_Typed(Time_Sample(iSample)).AsTick()};
+  }
+
+  /// The sample in which the time lies.
+  static long long SampleOf(Time_Typed iTime) {
+    return iTime.GetType() == Time_eType_Samples ? iTime.AsInt64()
+                                                 : Time_CountInUnit(iTime, Time_eType_Samples);
+  }
+
+  /// As a bound for what clips hold: a tick, or the sample where they hold times in samples, as a
+  /// tick may lie beside these.
+  Time_Typed AsBound(bool iHasSamples) const {
+    return iHasSamples ? Time_Typed(Time_Sample(mSample)) : mTick;
+  }
+};
+
+/// What lies between two positions.
+struct Host_PlayStretch {
+  Host_PlayPosition mFrom, mTo;
+};
