@@ -87,14 +87,14 @@ void Host_CheckedNotes::EndAll() {
   mRinging.clear();
 }
 
-void Host_CheckedNotes::EndRingingOf(int iPitch) {
+void Host_CheckedNotes::EndRingingOf(int iPitch, bool iMayGoOn) {
   for (Ringing const & note : mRinging)
-    if (note.mPitch == iPitch) mDue.push_back(EndOf(note.mPitch, note.mOffVelocity, false));
+    if (note.mPitch == iPitch) mDue.push_back(EndOf(note.mPitch, note.mOffVelocity, iMayGoOn));
   std::erase_if(mRinging, [iPitch](Ringing const & iNote) { return iNote.mPitch == iPitch; });
 }
 
 void Host_CheckedNotes::Strike(int iIndex, Host_CheckedClip::Note const & iNote, bool iMayGoOn) {
-  EndRingingOf(iNote.mPitch);
+  EndRingingOf(iNote.mPitch, iMayGoOn);
   mDue.push_back({iNote.mPitch, iNote.mOnVelocity, true, iMayGoOn, false, iNote.mStart});
   mSounding.push_back({iIndex, iNote.mPitch, iNote.mOffVelocity});
 }
@@ -109,7 +109,7 @@ void Host_CheckedNotes::End(int iIndex, Host_CheckedClip::Note const & iNote) {
 }
 
 void Host_CheckedNotes::Pass(Host_CheckedClip::Note const & iNote, bool iIsOptional) {
-  EndRingingOf(iNote.mPitch);
+  if (!iIsOptional) EndRingingOf(iNote.mPitch, false);
   mDue.push_back({iNote.mPitch, iNote.mOnVelocity, true, false, iIsOptional, iNote.mStart});
   mDue.push_back({iNote.mPitch, iNote.mOffVelocity, false, false, iIsOptional, iNote.mEnd});
 }

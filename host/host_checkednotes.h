@@ -114,7 +114,7 @@ private:
   };
 
   static Due EndOf(int iPitch, int iOffVelocity, bool iMayGoOn);
-  void EndRingingOf(int iPitch);
+  void EndRingingOf(int iPitch, bool iMayGoOn);
   Counts Count(int iPitch) const;
   static bool FindPairs(Counts const & iCounts, int & oNumKept, int & oNumFree);
   static Host_NoteFlaw FindWrongNumber(Counts const & iCounts, std::string const & iNote,

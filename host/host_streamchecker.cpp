@@ -80,7 +80,6 @@ void Host_StreamChecker::Impl::ClipEdited(int iClip) {
   std::vector<Host_CheckedClip::Note> const former = clipP->mContents.GetNotes();
   clipP->mContents.Read(*clipP->mChunkP);
   clipP->mNotes.FollowEdit(former, clipP->mContents.GetNotes());
-  clipP->mNextEdge = clipP->mContents.FindEdge(mPosition);
   SetPending(*clipP, EPending::kKeepSounding, "after the edit");
   mChannels[clipP->mChannel].mIsExpectedStale = true;
 }
@@ -104,40 +103,60 @@ void Host_StreamChecker::Impl::SetMuted(int iClip, bool iIsMuted) {
   mChannels[clipP->mChannel].mIsExpectedStale = true;
 }
 
-void Host_StreamChecker::Impl::Start(long long iSample) {
-  if (mIsPlaying) return Locate(iSample);
-  mIsPlaying = true;
-  mPosition = iSample;
-  SetAllPending(EPending::kAnew, "after the start");
-}
-
-void Host_StreamChecker::Impl::Stop() {
-  if (!mIsPlaying) return;
-  mIsPlaying = false;
-  SetAllPending(EPending::kAnew, "after the stop");
-}
-
-void Host_StreamChecker::Impl::Locate(long long iSample) {
-  if (iSample == mPosition) return;
-  mPosition = iSample;
-  if (mIsPlaying) SetAllPending(EPending::kAnew, "after the jump");
-}
-
-void Host_StreamChecker::Impl::TempoChanged(long long iSample) {
-  mPosition = iSample;
+void Host_StreamChecker::Impl::TempoChanged() {
+  mPosition = Host_SampleOf(mPositionTick);
   for (auto const & clipP : mClips) {
     clipP->mContents.ComputeSamples();
-    clipP->mNextEdge = clipP->mContents.FindEdge(iSample);
     clipP->mNotes.FreeRingingNotes(true);
     clipP->mIsTempoNew = true;
   }
   SetAllPending(EPending::kKeepSounding, "after the change of tempo");
 }
 
+bool Host_StreamChecker::Impl::IsLooping() const {
+  return mHasLoop && LoopStart() < LoopEnd();
+}
+
+long long Host_StreamChecker::Impl::LoopStart() const {
+  return std::max(Host_SampleOf(mLoopFrom), 0LL);
+}
+
+long long Host_StreamChecker::Impl::LoopEnd() const {
+  return Host_SampleOf(mLoopTo);
+}
+
+long long Host_StreamChecker::Impl::GetPosition() const {
+  if (mLocation) return std::max(Host_SampleOf(*mLocation), 0LL);
+  return mIsWrapDue && IsLooping() ? LoopStart() : mPosition;
+}
+
 void Host_StreamChecker::Impl::CheckPosition(long long iSample) {
-  if (iSample == mPosition) return;
+  if (iSample == GetPosition()) return;
   Blame(Host_EViolation::kPosition, -1, -1,
-        "the position is " + std::to_string(iSample) + " instead of " + std::to_string(mPosition));
+        "the position is " + std::to_string(iSample) + " instead of " +
+            std::to_string(GetPosition()));
+}
+
+void Host_StreamChecker::Impl::SetPosition(long long iSample) {
+  mPosition = iSample;
+  mPositionTick = Time_Typed(Time_Sample(iSample)).AsTick();
+}
+
+// What commands have asked for.
+void Host_StreamChecker::Impl::ApplyCommands() {
+  bool const wasPlaying = mIsPlaying;
+  if (mShallPlay != mIsPlaying) {
+    mIsPlaying = mShallPlay;
+    SetAllPending(EPending::kAnew, mIsPlaying ? "after the start" : "after the stop");
+  }
+  if (mLocation) {
+    long long const sample = GetPosition();
+    mLocation.reset();
+    mIsWrapDue = false;
+    if (sample == mPosition) return;
+    SetPosition(sample);
+    if (wasPlaying && mIsPlaying) SetAllPending(EPending::kAnew, "after the jump");
+  }
 }
 
 // ---- Time within a block ----
@@ -148,12 +167,14 @@ void Host_StreamChecker::Impl::BeginBlock(int iNumSamples) {
   mBlockLength = std::max(iNumSamples, 0);
   mIsInBlock = true;
   mLastOffset = mNextOffset = mRunOffset = 0;
+  ApplyCommands();
   mRunPosition = mPosition;
-  mLoops = false;
-  if (!mHasLoop || !mIsPlaying) return;
-  mLoopStart = Host_SampleOf(mLoopFrom);
-  mLoopEnd = Host_SampleOf(mLoopTo);
-  mLoops = mLoopStart < mLoopEnd && mPosition < mLoopEnd;
+  if (std::exchange(mIsWrapDue, false) && IsLooping()) {
+    WrapAt(0);
+    SetPosition(mRunPosition);
+  }
+  mLoops = mIsPlaying && IsLooping() && mPosition < LoopEnd();
+  mLoopEnd = LoopEnd();
 }
 
 // The first offset from there on at which something is due; the block's length if nothing is.
@@ -172,9 +193,9 @@ int Host_StreamChecker::Impl::FindNextOffset(int iFrom) const {
 
 void Host_StreamChecker::Impl::WrapAt(int iOffset) {
   for (auto const & clipP : mClips)
-    clipP->mNotes.SetRests(clipP->mContents.GetNotes(), mLoopEnd, mClock + iOffset);
+    clipP->mNotes.SetRests(clipP->mContents.GetNotes(), PositionAt(iOffset), mClock + iOffset);
   mRunOffset = iOffset;
-  mRunPosition = mLoopStart;
+  mRunPosition = LoopStart();
   SetAllPending(EPending::kWrap, "after the loop's end");
 }
 
@@ -200,8 +221,8 @@ void Host_StreamChecker::Impl::EndBlock() {
   if (!IsGood()) return;
   mIsInBlock = false;
   if (mIsPlaying && mBlockLength > 0) {
-    if (mLoops && PositionAt(mBlockLength) == mLoopEnd) WrapAt(mBlockLength);
-    mPosition = PositionAt(mBlockLength);
+    SetPosition(PositionAt(mBlockLength));
+    mIsWrapDue = mLoops && mPosition == mLoopEnd;
   }
   mClock += mBlockLength;
   std::erase_if(mClips, [](auto const & clipP) { return clipP->mIsRemoved; });
@@ -254,40 +275,49 @@ void Host_StreamChecker::Impl::OpenClip(size_t iClip) {
   clip.mNotes.EndRinging(mClock + mOpenOffset);
 }
 
-// The notes that began before the open sample and end after it.
-std::vector<int> Host_StreamChecker::Impl::FindHeldOver(Clip const & iClip) const {
-  if (!Plays(iClip)) return {};
+bool Host_StreamChecker::Impl::EndsLater(Host_CheckedClip::Note const & iNote) const {
+  return iNote.mEnd > Time_Typed(Time_Sample(PositionAt(mOpenOffset)));
+}
+
+// Strikes the notes that began before the open sample and end after its beginning, those apart that
+// sound on. One that ends within the sample may as well be left out.
+void Host_StreamChecker::Impl::StrikeHeldOver(Clip & ioClip) {
+  if (!Plays(ioClip)) return;
   long long const sample = PositionAt(mOpenOffset);
-  std::vector<int> notes = iClip.mContents.FindSounding(sample);
-  std::erase_if(notes, [&](int iIndex) { return iClip.NoteAt(iIndex).mEndSample <= sample; });
-  return notes;
+  for (int const index : ioClip.mContents.FindSounding(sample)) {
+    Host_CheckedClip::Note const & note = ioClip.NoteAt(index);
+    if (ioClip.mNotes.IsSounding(index) || !EndsLater(note)) continue;
+    if (note.mEndSample <= sample && !mIsBetween)
+      ioClip.mNotes.Pass(note, true);
+    else
+      ioClip.mNotes.Strike(index, note, true);
+  }
 }
 
 void Host_StreamChecker::Impl::StartAnew(Clip & ioClip) {
   ioClip.mNotes.EndAll();
-  for (int const index : FindHeldOver(ioClip))
-    ioClip.mNotes.Strike(index, ioClip.NoteAt(index), true);
+  StrikeHeldOver(ioClip);
 }
 
 void Host_StreamChecker::Impl::Wrap(Clip & ioClip) {
-  std::vector<int> const notes = FindHeldOver(ioClip);
-  ioClip.mNotes.RingUnless([&](int iIndex) { return std::ranges::count(notes, iIndex) > 0; });
-  for (int const index : notes)
-    if (!ioClip.mNotes.IsSounding(index)) ioClip.mNotes.Strike(index, ioClip.NoteAt(index), false);
+  long long const sample = PositionAt(mOpenOffset);
+  ioClip.mNotes.RingUnless([&](int iIndex) {
+    Host_CheckedClip::Note const & note = ioClip.NoteAt(iIndex);
+    return Plays(ioClip) && note.mStartSample < sample && EndsLater(note);
+  });
+  StrikeHeldOver(ioClip);
 }
 
 // A note that begins in the open sample may have been struck before: then the tempo has moved it.
 void Host_StreamChecker::Impl::GoOnSounding(Clip & ioClip) {
   long long const sample = PositionAt(mOpenOffset);
-  bool const plays = Plays(ioClip);
   ioClip.mNotes.EndUnless(
       [&](int iIndex) {
         Host_CheckedClip::Note const & note = ioClip.NoteAt(iIndex);
-        return plays && note.mStartSample <= sample && note.mEndSample > sample;
+        return Plays(ioClip) && note.mStartSample <= sample && EndsLater(note);
       },
       true);
-  for (int const index : FindHeldOver(ioClip))
-    if (!ioClip.mNotes.IsSounding(index)) ioClip.mNotes.Strike(index, ioClip.NoteAt(index), true);
+  StrikeHeldOver(ioClip);
 }
 
 void Host_StreamChecker::Impl::TakeEdges(size_t iClip) {
@@ -438,16 +468,17 @@ void Host_StreamChecker::SetMuted(int iClip, bool iIsMuted) {
   mImplP->SetMuted(iClip, iIsMuted);
 }
 void Host_StreamChecker::Start(Time_Typed iPosition) {
-  mImplP->Start(Host_SampleOf(iPosition));
+  mImplP->mLocation = iPosition;
+  mImplP->mShallPlay = true;
 }
 void Host_StreamChecker::Start() {
-  mImplP->Start(mImplP->mPosition);
+  mImplP->mShallPlay = true;
 }
 void Host_StreamChecker::Stop() {
-  mImplP->Stop();
+  mImplP->mShallPlay = false;
 }
 void Host_StreamChecker::Locate(Time_Typed iPosition) {
-  mImplP->Locate(Host_SampleOf(iPosition));
+  mImplP->mLocation = iPosition;
 }
 void Host_StreamChecker::SetLoop(Time_Typed iFrom, Time_Typed iTo) {
   mImplP->mHasLoop = true;
@@ -460,8 +491,8 @@ void Host_StreamChecker::ClearLoop() {
 void Host_StreamChecker::SetLoopPolicy(Host_ELoopPolicy iPolicy) {
   mImplP->mPolicy = iPolicy;
 }
-void Host_StreamChecker::TempoChanged(Time_Typed iPosition) {
-  mImplP->TempoChanged(Host_SampleOf(iPosition));
+void Host_StreamChecker::TempoChanged() {
+  mImplP->TempoChanged();
 }
 void Host_StreamChecker::CheckPosition(Time_Sample iPosition) {
   mImplP->CheckPosition(iPosition.AsInt64());

@@ -81,7 +81,8 @@ public:
   Host_StreamChecker(Host_StreamChecker const &) = delete;
   Host_StreamChecker & operator=(Host_StreamChecker const &) = delete;
 
-  // What the host does. As in `Host_BlockPlayer`; each takes effect in the next block.
+  // What the host does, as in `Host_BlockPlayer`. It takes effect in the next block. Positions
+  // before sample 0 count as sample 0.
 
   bool AddClip(Vrad_Chunk const * iChunkP, int iChannel, int iClip);
   void ClipEdited(int iClip);
@@ -95,8 +96,8 @@ public:
   void ClearLoop();
   void SetLoopPolicy(Host_ELoopPolicy iPolicy);
 
-  /// After an edit of the tempo map. The position is where the transport stands now.
-  void TempoChanged(Time_Typed iPosition);
+  /// After an edit of the tempo map: the musical position stays, the sample position moves.
+  void TempoChanged();
 
   /// A position that is not the next block's first sample is a violation.
   void CheckPosition(Time_Sample iPosition);

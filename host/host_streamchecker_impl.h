@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,17 +20,15 @@ public:
   void ClipEdited(int iClip);
   void RemoveClip(int iClip);
   void SetMuted(int iClip, bool iIsMuted);
-  void Start(long long iSample);
-  void Stop();
-  void Locate(long long iSample);
-  void TempoChanged(long long iSample);
+  void TempoChanged();
   void CheckPosition(long long iSample);
   void BeginBlock(int iNumSamples);
   void ReceiveMessage(Host_WireMessage const & iMessage);
   void EndBlock();
 
-  bool mIsPlaying = false;
-  long long mPosition = 0;  // of the block's first sample
+  // What commands ask for; it takes effect in the next block.
+  bool mShallPlay = false;
+  std::optional<Time_Typed> mLocation;
   bool mHasLoop = false;
   Time_Typed mLoopFrom, mLoopTo;
   Host_ELoopPolicy mPolicy = Host_ELoopPolicy::kCut;
@@ -93,6 +92,13 @@ private:
   void SetPending(Clip & ioClip, EPending iPending, char const * iWhy);
   void SetAllPending(EPending iPending, char const * iWhy);
 
+  bool IsLooping() const;
+  long long LoopStart() const;
+  long long LoopEnd() const;
+  long long GetPosition() const;
+  void SetPosition(long long iSample);
+  void ApplyCommands();
+
   // Time within a block.
   long long PositionAt(int iOffset) const { return mRunPosition + (iOffset - mRunOffset); }
   int FindNextOffset(int iFrom) const;
@@ -106,7 +112,8 @@ private:
   void StartAnew(Clip & ioClip);
   void Wrap(Clip & ioClip);
   void GoOnSounding(Clip & ioClip);
-  std::vector<int> FindHeldOver(Clip const & iClip) const;
+  bool EndsLater(Host_CheckedClip::Note const & iNote) const;
+  void StrikeHeldOver(Clip & ioClip);
   void TakeEdges(size_t iClip);
   void TakeNoteEdge(Clip & ioClip, Edge const & iEdge);
   static int ValueOf(Clip const & iClip, Edge const & iEdge);
@@ -136,6 +143,11 @@ private:
   std::vector<std::unique_ptr<Clip>> mClips;  // in the order of adding
   Channel mChannels[kNumChannels];
 
+  bool mIsPlaying = false;
+  long long mPosition = 0;   // of the block's first sample
+  Time_Typed mPositionTick;  // which stays when the tempo is edited
+  bool mIsWrapDue = false;   // the position is the loop's end
+
   int mBlock = -1;
   int mBlockLength = 0;
   bool mIsInBlock = false;
@@ -146,7 +158,7 @@ private:
   int mRunOffset = 0;
   long long mRunPosition = 0;
   bool mLoops = false;
-  long long mLoopStart = 0, mLoopEnd = 0;
+  long long mLoopEnd = 0;
 
   bool mIsOpen = false;     // a sample is being looked at
   bool mIsBetween = false;  // it is a block of 0 samples

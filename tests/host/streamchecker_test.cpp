@@ -478,7 +478,7 @@ TEST_F(Host_StreamChecker_Transport, AfterAChangeOfTempoNotesGoOnToTheirTick) {
   Start();
   Block(20, {"10: 90 3c 64"});
   Time_Convert::GetDefaultTempoMap().Reset(240.0);  // 80 ticks to the sample
-  mChecker.TempoChanged(Samples(10));
+  mChecker.TempoChanged();
   Block(60, {"45: 90 3c 00"});
   EXPECT_EQ("", Why());
   Time_Convert::GetDefaultTempoMap().Reset(120.0);
@@ -489,7 +489,7 @@ TEST_F(Host_StreamChecker_Transport, FindsANoteStruckAgainByAChangeOfTempo) {
   Start();
   Block(20, {"10: 90 3c 64"});
   Time_Convert::GetDefaultTempoMap().Reset(240.0);
-  mChecker.TempoChanged(Samples(10));
+  mChecker.TempoChanged();
   Block(20, {"0: 90 3c 64"});
   EXPECT_EQ(V::kWrongNote, Kind());
   Time_Convert::GetDefaultTempoMap().Reset(120.0);
