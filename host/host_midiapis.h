@@ -5,5 +5,9 @@
 /// keeps them from it.
 void Host_SilenceMidiSystems();
 
-/// Whether a JACK server answers: RtMidi complains aloud if asked for one that does not.
+// Whether a system answers: RtMidi complains aloud if asked for one that does not.
+
+/// The sequencer of the Linux kernel.
+bool Host_IsAlsaRunning();
+/// The server of this user.
 bool Host_IsJackRunning();

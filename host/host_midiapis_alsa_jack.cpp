@@ -17,6 +17,13 @@ void Host_SilenceMidiSystems() {
   jack_set_info_function(IgnoreJack);
 }
 
+bool Host_IsAlsaRunning() {
+  snd_seq_t * sequencer = nullptr;
+  if (snd_seq_open(&sequencer, "default", SND_SEQ_OPEN_OUTPUT, SND_SEQ_NONBLOCK) < 0) return false;
+  snd_seq_close(sequencer);
+  return true;
+}
+
 bool Host_IsJackRunning() {
   jack_client_t * const client = jack_client_open("vrad-asks", JackNoStartServer, nullptr);
   if (!client) return false;

@@ -2,6 +2,10 @@
 
 void Host_SilenceMidiSystems() {}
 
+bool Host_IsAlsaRunning() {
+  return true;
+}
+
 bool Host_IsJackRunning() {
   return true;
 }

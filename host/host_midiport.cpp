@@ -31,13 +31,17 @@ long long GetNow() {
 
 void IgnoreWarning(RtMidiError::Type, std::string const &, void *) {}
 
+bool IsRunning(RtMidi::Api iApi) {
+  if (iApi == RtMidi::LINUX_ALSA) return Host_IsAlsaRunning();
+  if (iApi == RtMidi::UNIX_JACK) return Host_IsJackRunning();
+  return iApi != RtMidi::RTMIDI_DUMMY;
+}
+
 std::vector<RtMidi::Api> GetSystems() {
   Host_SilenceMidiSystems();
   std::vector<RtMidi::Api> result;
   RtMidi::getCompiledApi(result);
-  std::erase_if(result, [](RtMidi::Api iApi) {
-    return iApi == RtMidi::RTMIDI_DUMMY || (iApi == RtMidi::UNIX_JACK && !Host_IsJackRunning());
-  });
+  std::erase_if(result, [](RtMidi::Api iApi) { return !IsRunning(iApi); });
   return result;
 }
 
@@ -94,7 +98,7 @@ public:
     if (!mOut || !mOut->isPortOpen()) {
       throw Host_MidiPortError("the MIDI port '" + mName.mName + "' cannot be opened");
     }
-    mOut->setErrorCallback(CountLoss, this);
+    mOut->setErrorCallback(CountWarning, this);
   }
 
   // Audio thread.
@@ -102,7 +106,7 @@ public:
 
   void Queue(Host_WireMessage const & iMessage) noexcept {
     long long const due = mClock.GetTime(iMessage.mOffset) + kLatency.count();
-    if (!mRing.Push(due, iMessage.mData, iMessage.mLength)) ++mNumLost;
+    if (!mRing.Push(due, iMessage.mData, iMessage.mLength)) CountLoss();
   }
 
   // Sender's thread, until told to end and nothing is queued.
@@ -125,19 +129,20 @@ public:
     mHasEnded = true;
   }
 
+  void CountLoss() noexcept { ++mNumLost; }
   void End() { mIsToEnd = true; }
   bool HasEnded() const { return mHasEnded; }
   Host_MidiPortName const & GetName() const { return mName; }
   long long GetNumLost() const { return mNumLost; }
 
 private:
-  static void CountLoss(RtMidiError::Type, std::string const &, void * iSender) {
-    ++static_cast<Sender *>(iSender)->mNumLost;
+  static void CountWarning(RtMidiError::Type, std::string const &, void * iSender) {
+    static_cast<Sender *>(iSender)->CountLoss();
   }
 
   void Send(std::vector<unsigned char> const & iMessage) {
     if (mIsJack && iMessage.size() > kMaxJackMessage) {
-      ++mNumLost;
+      CountLoss();
     } else {
       mOut->sendMessage(iMessage.data(), iMessage.size());
     }
@@ -159,10 +164,15 @@ Host_MidiPort::Host_MidiPort(std::string const & iPort, std::string const & iCli
 }
 
 Host_MidiPort::~Host_MidiPort() {
+  Close();
+}
+
+void Host_MidiPort::Close() {
   mSender->End();
   long long const end = GetNow() + kPatience.count();
   while (!mSender->HasEnded() && GetNow() < end)
     std::this_thread::sleep_for(kLongestSleep);
+  if (!mSender->HasEnded()) mSender->CountLoss();
 }
 
 void Host_MidiPort::BeginBlock(int iNumSamples) {

@@ -41,14 +41,17 @@ public:
   /// iPort as in Host_FindMidiPort. The system's other programs see iClientName.
   /// Fails: Host_MidiPortError.
   Host_MidiPort(std::string const & iPort, std::string const & iClientName);
-  /// Sends what is queued and closes the port. A port that does not answer is given up after some
-  /// seconds.
+  /// As Close.
   ~Host_MidiPort() override;
   Host_MidiPort(Host_MidiPort const &) = delete;
   Host_MidiPort & operator=(Host_MidiPort const &) = delete;
 
   void BeginBlock(int iNumSamples) override;
   void ReceiveMessage(Host_WireMessage const & iMessage) override;
+
+  /// Sends what is queued and closes the port. One that does not answer is given up after some
+  /// seconds. What comes afterwards is ignored; a second call does nothing.
+  void Close();
 
   /// As the list gives it.
   Host_MidiPortName const & GetName() const;

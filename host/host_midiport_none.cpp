@@ -20,6 +20,7 @@ Host_MidiPort::Host_MidiPort(std::string const &, std::string const &) {
 }
 
 Host_MidiPort::~Host_MidiPort() = default;
+void Host_MidiPort::Close() {}
 void Host_MidiPort::BeginBlock(int) {}
 void Host_MidiPort::ReceiveMessage(Host_WireMessage const &) {}
 

@@ -34,3 +34,16 @@ void Tool_ProgressBar::Show(size_t iNumDone, size_t iNumBytes) {
                     std::string(static_cast<size_t>(percent * kWidth / 100), '#'), kWidth,
                     percent));
 }
+
+Tool_StatusLine::Tool_StatusLine() : mIsWanted(Tool_IsErrorTerminal()) {}
+
+Tool_StatusLine::~Tool_StatusLine() {
+  Show("");
+  if (mIsWanted) Write("\r");
+}
+
+void Tool_StatusLine::Show(std::string const & iText) {
+  if (!mIsWanted || iText == mText) return;
+  Write(fmt::format("\r{:<{}}", iText, mText.size()));
+  mText = iText;
+}

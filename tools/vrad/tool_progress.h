@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 /// Draws on the standard error stream when that is a terminal, and only for work of some length.
 /// Leaves the line empty when destroyed.
@@ -18,4 +19,21 @@ public:
 private:
   bool mIsWanted;
   int mPercent = -1;  // drawn last; -1: nothing
+};
+
+/// A line that says where something goes on, on the standard error stream when that is a terminal.
+/// Leaves the line empty when destroyed.
+class Tool_StatusLine {
+public:
+  Tool_StatusLine();
+  Tool_StatusLine(Tool_StatusLine const &) = delete;
+  Tool_StatusLine & operator=(Tool_StatusLine const &) = delete;
+  ~Tool_StatusLine();
+
+  /// In place of what it said before. Needs: characters of one column.
+  void Show(std::string const & iText);
+
+private:
+  bool mIsWanted;
+  std::string mText;
 };

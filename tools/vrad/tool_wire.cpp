@@ -31,7 +31,8 @@ Vrae_Event MakeEvent(std::span<unsigned char const> iBytes) {
   switch (iBytes[0] & 0xf0) {
   case 0x80:
     return Vrae_NoteOffEvent(first, second);
-  case 0x90:
+  case 0x90:  // velocity 0 is a release at the usual velocity
+    if (second == 0) return Vrae_NoteOffEvent(first, 64);
     return Vrae_NoteOnEvent(first, second);
   case 0xa0:
     return Vrae_PolyPressureEvent(first, second);
