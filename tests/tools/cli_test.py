@@ -6,44 +6,9 @@ Usage: cli_test.py TOOL [unittest options]
 import os
 import subprocess
 import sys
-import tempfile
 import unittest
 
-TOOL = None
-ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-DEMO = os.path.join("examples", "demo.mid")
-
-
-def chunk(kind, contents):
-    return kind + len(contents).to_bytes(4, "big") + contents
-
-
-def header(form, tracks, division):
-    return chunk(b"MThd", b"".join(n.to_bytes(2, "big") for n in (form, tracks, division)))
-
-
-def track(*events):
-    return chunk(b"MTrk", b"".join(bytes(e) for e in events) + b"\x00\xff\x2f\x00")
-
-
-# One file tick is 2000 library ticks; at 120 beats a minute a library tick is 1/40 sample.
-NOTES = header(1, 2, 480) + track(
-    [0, 0xFF, 3, 5], b"Piece",
-    [0, 0xFF, 0x58, 4, 3, 2, 24, 8],   # 3/4
-    [0, 0xF0, 3, 0x41, 0x7F, 0xF7],
-    [0, 0xF0, 17], bytes(range(16)), [0xF7],
-) + track(
-    [0, 0xB1, 0, 3], [0, 32, 4], [0, 0xC1, 9],
-    [0, 0xB1, 7, 100],
-    [0, 0xE1, 0, 0x40],
-    [0, 0x91, 60, 80],                 # 0 to 480
-    [0x83, 0x60, 0x81, 60, 33],        # 480
-    [0, 0xD1, 50], [0, 0xA1, 62, 51],
-    [0, 0x91, 62, 81],                 # 480 to 1440
-    [0x87, 0x40, 62, 0],               # 1440
-    [0, 0xB1, 7, 90], [0, 123, 0],
-    [0, 0xFF, 5, 2], b"la",
-)
+from tool_case import DEMO, NOTES, ROOT, TOOL, Tool, header, track
 
 NOTES_AS_JSONL = """\
 {"clip":0,"track":0,"channel":null,"time":0,"unit":"t","kind":14,"name":"ShortSysex","data":"41 7f"}
@@ -60,38 +25,6 @@ NOTES_AS_JSONL = """\
 
 PRESSURES_AT_960000 = "".join(NOTES_AS_JSONL.splitlines(True)[6:8])
 NOTE_AT_0, NOTE_AT_960000 = NOTES_AS_JSONL.splitlines(True)[5], NOTES_AS_JSONL.splitlines(True)[8]
-
-
-class Tool(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = folder.name
-
-    def write(self, name, contents):
-        path = os.path.join(self.folder, name)
-        with open(path, "wb") as out:
-            out.write(contents)
-        return path
-
-    def run_tool(self, *words, **more):
-        done = subprocess.run([TOOL, *words], cwd=ROOT, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, text=True, timeout=120, **more)
-        return done.returncode, done.stdout, done.stderr
-
-    def expect(self, words, status, out, err=""):
-        self.assertEqual(self.run_tool(*words), (status, out, err))
-
-    def expect_usage_error(self, words, text):
-        self.expect(words, 2, "", f"vrad: {text}\nvrad: see vrad --help\n")
-
-    def events(self, *options):
-        path = self.write("notes.mid", NOTES)
-        status, out, err = self.run_tool("events", path, "--as", "jsonl", *options)
-        self.assertEqual((status, err), (0, ""))
-        return out
 
 
 class Help(Tool):
@@ -485,5 +418,4 @@ class Demo(Tool):
 
 
 if __name__ == "__main__":
-    TOOL = os.path.abspath(sys.argv.pop(1))
     unittest.main()
