@@ -89,7 +89,10 @@ std::string Host_ParameterState::FindMissingFrom(Host_ParameterState const & iOt
         NameOf(number < kNumNumbers, number % kNumNumbers / 128, number % 128) + ": ";
     if (!IsIn(data.mMSB, other.mMSB)) return name + "data " + std::to_string(data.mMSB);
     if (!IsIn(data.mLSB, other.mLSB)) return name + "data LSB " + std::to_string(data.mLSB);
-    if (data.mSteps != other.mSteps) return name + std::to_string(data.mSteps) + " steps";
+    // From an unknown value steps lead to an unknown value.
+    bool const isKnown = data.mMSB != kUnknown && data.mLSB != kUnknown;
+    if (isKnown && data.mSteps != other.mSteps)
+      return name + std::to_string(data.mSteps) + " steps";
   }
   Selection const & selected = Selected();
   if (!mIsAnySelected || !selected.IsComplete()) return {};

@@ -69,6 +69,31 @@ long long Host_CheckedNotes::GetNextRingingEnd() const {
 void Host_CheckedNotes::OpenSample() {
   mDue.clear();
   mSent.clear();
+  mIsBlurred = false;
+  for (Ringing & note : mRinging)
+    note.mIsNew = false;
+}
+
+void Host_CheckedNotes::Blur() {
+  mIsBlurred = true;
+}
+
+void Host_CheckedNotes::Orphan() {
+  for (Sounding & note : mSounding)
+    note.mIndex = -1;
+}
+
+// Where several notes of a pitch sound, any of them may be the one that rings on.
+Host_CheckedNotes::Ringing Host_CheckedNotes::RestOf(Sounding const & iNote,
+                                                     std::vector<Sounding> const & iAll) {
+  Ringing rest = {iNote.mPitch, iNote.mOffVelocity, iNote.mRingEnd, iNote.mIsRestFree, true};
+  for (Sounding const & other : iAll) {
+    if (other.mPitch != iNote.mPitch || &other == &iNote) continue;
+    rest.mEnd = std::max(rest.mEnd, other.mRingEnd);
+    rest.mOffVelocity = kAnyVelocity;
+    rest.mIsFree = true;
+  }
+  return rest;
 }
 
 bool Host_CheckedNotes::IsSounding(int iIndex) const {
@@ -87,16 +112,32 @@ void Host_CheckedNotes::EndAll() {
   mRinging.clear();
 }
 
-void Host_CheckedNotes::EndRingingOf(int iPitch, bool iMayGoOn) {
+void Host_CheckedNotes::EndRingingOf(int iPitch) {
   for (Ringing const & note : mRinging)
-    if (note.mPitch == iPitch) mDue.push_back(EndOf(note.mPitch, note.mOffVelocity, iMayGoOn));
+    if (note.mPitch == iPitch) mDue.push_back(EndOf(note.mPitch, note.mOffVelocity, false));
   std::erase_if(mRinging, [iPitch](Ringing const & iNote) { return iNote.mPitch == iPitch; });
 }
 
+// One note of the pitch that has begun to ring may instead go on as the one that is struck.
+void Host_CheckedNotes::PairWithRinging(int iPitch) {
+  auto const iter = std::find_if(mRinging.begin(), mRinging.end(), [iPitch](Ringing const & iNote) {
+    return iNote.mPitch == iPitch && iNote.mIsNew;
+  });
+  if (iter != mRinging.end()) {
+    mDue.push_back(EndOf(iPitch, iter->mOffVelocity, true));
+    mRinging.erase(iter);
+  }
+  for (Ringing & note : mRinging)
+    if (note.mPitch == iPitch) note.mIsFree = true;
+}
+
 void Host_CheckedNotes::Strike(int iIndex, Host_CheckedClip::Note const & iNote, bool iMayGoOn) {
-  EndRingingOf(iNote.mPitch, iMayGoOn);
+  if (iMayGoOn)
+    PairWithRinging(iNote.mPitch);
+  else
+    EndRingingOf(iNote.mPitch);
   mDue.push_back({iNote.mPitch, iNote.mOnVelocity, true, iMayGoOn, false, iNote.mStart});
-  mSounding.push_back({iIndex, iNote.mPitch, iNote.mOffVelocity});
+  mSounding.push_back({iIndex, iNote.mPitch, iNote.mOnVelocity, iNote.mOffVelocity});
 }
 
 void Host_CheckedNotes::End(int iIndex, Host_CheckedClip::Note const & iNote) {
@@ -109,7 +150,7 @@ void Host_CheckedNotes::End(int iIndex, Host_CheckedClip::Note const & iNote) {
 }
 
 void Host_CheckedNotes::Pass(Host_CheckedClip::Note const & iNote, bool iIsOptional) {
-  if (!iIsOptional) EndRingingOf(iNote.mPitch, false);
+  if (!iIsOptional) EndRingingOf(iNote.mPitch);
   mDue.push_back({iNote.mPitch, iNote.mOnVelocity, true, false, iIsOptional, iNote.mStart});
   mDue.push_back({iNote.mPitch, iNote.mOffVelocity, false, false, iIsOptional, iNote.mEnd});
 }
@@ -203,9 +244,13 @@ Host_NoteFlaw Host_CheckedNotes::FindWrongVelocity(int iPitch, bool iIsOn) const
     if (entry.mPitch == iPitch && entry.mIsOn == iIsOn) due.push_back(entry.mVelocity);
   for (Ringing const & note : mRinging)
     if (!iIsOn && note.mPitch == iPitch && note.mIsFree) due.push_back(note.mOffVelocity);
+  for (Sounding const & note : mSounding)
+    if (mIsBlurred && note.mPitch == iPitch)
+      due.push_back(iIsOn ? note.mOnVelocity : note.mOffVelocity);
   for (Sent const & sent : mSent) {
     if (sent.mPitch != iPitch || sent.mIsOn != iIsOn) continue;
-    auto const found = std::find(due.begin(), due.end(), sent.mVelocity);
+    auto found = std::find(due.begin(), due.end(), sent.mVelocity);
+    if (found == due.end()) found = std::find(due.begin(), due.end(), kAnyVelocity);
     if (found != due.end()) {
       due.erase(found);
       continue;

@@ -60,11 +60,15 @@ public:
       if (note.mIndex >= 0 && iStays(note.mIndex))
         mSounding.push_back(note);
       else if (note.mIndex >= 0)
-        mRinging.push_back({note.mPitch, note.mOffVelocity, note.mRingEnd, note.mIsRestFree});
+        mRinging.push_back(RestOf(note, former));
       else
         mDue.push_back(EndOf(note.mPitch, note.mOffVelocity, false));
     }
   }
+  /// In the open sample notes of one pitch may stand for each other.
+  void Blur();
+  /// The clip is another one: what sounds is none of its notes.
+  void Orphan();
   /// Also ends what rings of that pitch.
   void Strike(int iIndex, Host_CheckedClip::Note const & iNote, bool iMayGoOn);
   void End(int iIndex, Host_CheckedClip::Note const & iNote);
@@ -86,7 +90,7 @@ public:
 private:
   struct Sounding {
     int mIndex;  // of the clip's note; -1 when the clip has it no more
-    int mPitch, mOffVelocity;
+    int mPitch, mOnVelocity, mOffVelocity;
     long long mRingEnd = 0;  // if it rings on over the loop's end
     bool mIsRestFree = false;
   };
@@ -94,9 +98,11 @@ private:
     int mPitch, mOffVelocity;
     long long mEnd;
     bool mIsFree;  // may end before
+    bool mIsNew;   // rings since the open sample
   };
   struct Due {
-    int mPitch, mVelocity;
+    int mPitch;
+    int mVelocity;  // or kAnyVelocity
     bool mIsOn;
     bool mMayGoOn;     // an end and a strike of one pitch may both be left out
     bool mIsOptional;  // an end and a strike that may have been sent before
@@ -113,8 +119,12 @@ private:
     int mSentEnds = 0, mSentStrikes = 0;
   };
 
+  static constexpr int kAnyVelocity = -1;
+
+  static Ringing RestOf(Sounding const & iNote, std::vector<Sounding> const & iAll);
+  void PairWithRinging(int iPitch);
   static Due EndOf(int iPitch, int iOffVelocity, bool iMayGoOn);
-  void EndRingingOf(int iPitch, bool iMayGoOn);
+  void EndRingingOf(int iPitch);
   Counts Count(int iPitch) const;
   static bool FindPairs(Counts const & iCounts, int & oNumKept, int & oNumFree);
   static Host_NoteFlaw FindWrongNumber(Counts const & iCounts, std::string const & iNote,
@@ -126,6 +136,7 @@ private:
   std::vector<Sounding> mSounding;
   std::vector<Ringing> mRinging;
   std::array<int, 128> mNumOn;  // at the receiver
+  bool mIsBlurred = false;      // in the sample
   std::vector<Due> mDue;        // in the sample
   std::vector<Sent> mSent;      // in the sample, in order
 };

@@ -63,6 +63,15 @@ bool Host_StreamChecker::Impl::AddClip(Vrad_Chunk const * iChunkP, int iChannel,
   if (iChunkP == nullptr || iChannel < -1 || iChannel >= kNumChannels || FindClip(iClip) != nullptr)
     return false;
   auto clipP = std::make_unique<Clip>();
+  // One of that number that was taken away may sound yet.
+  auto const former = std::find_if(mClips.begin(), mClips.end(), [&](auto const & iP) {
+    return iP->mNumber == iClip && iP->mChannel == std::max(iChannel, 0);
+  });
+  if (former != mClips.end()) {
+    clipP->mNotes = (*former)->mNotes;
+    clipP->mNotes.Orphan();
+    mClips.erase(former);
+  }
   clipP->mChunkP = iChunkP;
   clipP->mChannel = std::max(iChannel, 0);
   clipP->mNumber = iClip;
@@ -301,6 +310,7 @@ void Host_StreamChecker::Impl::StartAnew(Clip & ioClip) {
 
 void Host_StreamChecker::Impl::Wrap(Clip & ioClip) {
   long long const sample = PositionAt(mOpenOffset);
+  ioClip.mNotes.Blur();
   ioClip.mNotes.RingUnless([&](int iIndex) {
     Host_CheckedClip::Note const & note = ioClip.NoteAt(iIndex);
     return Plays(ioClip) && note.mStartSample < sample && EndsLater(note);
@@ -311,6 +321,7 @@ void Host_StreamChecker::Impl::Wrap(Clip & ioClip) {
 // A note that begins in the open sample may have been struck before: then the tempo has moved it.
 void Host_StreamChecker::Impl::GoOnSounding(Clip & ioClip) {
   long long const sample = PositionAt(mOpenOffset);
+  ioClip.mNotes.Blur();
   ioClip.mNotes.EndUnless(
       [&](int iIndex) {
         Host_CheckedClip::Note const & note = ioClip.NoteAt(iIndex);

@@ -53,7 +53,8 @@ struct Host_StreamViolation {
 ///   note-off of 64). A note is not struck before those of its pitch have ended which end by then.
 /// - After start, jump, unmuting and the wrap of a loop, notes that began before the position and
 ///   end after it are struck. A pitch that sounds before and after may as well go on instead.
-///   An edit and a change of tempo strike nothing again that sounds already.
+///   An edit and a change of tempo strike nothing again that sounds already. Of several notes of
+///   one pitch any may be the one that goes on.
 /// - With `kKeep`, notes ring on over the loop's end for their rest, unless struck again; those
 /// that
 ///   sound at its start as well go on.
@@ -64,7 +65,8 @@ struct Host_StreamViolation {
 /// - Of a program, the parts that the last event enables. While a channel has programs, the bank
 ///   controllers 0 and 32 are looked at with them alone.
 /// - Where a channel selects parameters (98 to 101), 6, 38, 96 and 97 count for the parameter that
-///   is selected: its data and the steps since, at one time in the order selection, data, steps.
+///   is selected: its data and, where both parts of it were set, the steps since the coarse one. At
+///   one time selections come before data and data before steps.
 /// - A block of 0 samples brings the state of the position, without what happens in its sample.
 /// - The receiver is one that ignores channel modes, such as "all notes off".
 ///
