@@ -33,6 +33,16 @@ cairo_surface_t * MakeSurface(Host_EPictureForm iForm, int iWidth, int iHeight,
   return cairo_svg_surface_create_for_stream(AppendBytes, &ioBytes, iWidth, iHeight);
 }
 
+// Cairo counts the surfaces of the process and names a group by that number, which nothing refers
+// to. The same picture is to have the same bytes.
+void ForgetSurfaceNumber(std::string & ioSVG) {
+  static std::string const kName = "<g id=\"surface";
+  size_t const at = ioSVG.find(kName);
+  if (at == std::string::npos) return;
+  size_t const number = at + kName.size();
+  ioSVG.erase(number, ioSVG.find('"', number) - number);
+}
+
 // The same text takes the same place in both forms.
 void SetFontOptions(cairo_t * iContextP) {
   cairo_font_options_t * const optionsP = cairo_font_options_create();
@@ -151,5 +161,6 @@ std::string Host_PictureCanvas::Finish() {
     Check(cairo_surface_write_to_png_stream(mSurfaceP->mSurfaceP, AppendBytes, &mSurfaceP->mBytes));
   cairo_surface_finish(mSurfaceP->mSurfaceP);
   Check(cairo_surface_status(mSurfaceP->mSurfaceP));
+  if (mSurfaceP->mForm == kPictureForm_SVG) ForgetSurfaceNumber(mSurfaceP->mBytes);
   return std::move(mSurfaceP->mBytes);
 }

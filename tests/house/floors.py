@@ -20,7 +20,7 @@ FLOORS = [
     ["vrad/vrad_version", "vrad/vrad_init", "vrad/vrad_strings", "vrad/vrad_n10n"],
     ["vrad/vrae_"],
     ["vrad/vrad_extendedevent"],
-    ["vrad/vrad_extendedeventlist", "vrad/vrad_sortedstore",
+    ["vrad/vrad_extendedeventlist", "vrad/vrad_sortedstore", "vrad/vrad_dumptext",
      "vrad/vrad_eventfiling"],
     ["vrad/vrad_notelist", "vrad/vrad_continuousdata"],
     ["vrad/vrad_continuousdatastream", "vrad/vrad_eventstream"],

@@ -1,5 +1,7 @@
 #include "tools/vrad/command_picture.h"
 
+#include <algorithm>
+#include <charconv>
 #include <filesystem>
 
 #include <CLI/CLI.hpp>
@@ -7,6 +9,7 @@
 
 #include "foundation/sys_stream.h"
 #include "foundation/time_convert.h"
+#include "host/host_picture.h"
 #include "tools/vrad/tool_clips.h"
 #include "tools/vrad/tool_error.h"
 #include "tools/vrad/tool_load.h"
@@ -17,10 +20,16 @@
 namespace {
 
 // Refused before the file is read, whatever it holds.
-void CheckSide(std::string const & iOption, int iPixels, int iLeast) {
-  if (iPixels < iLeast || iPixels > kHost_MaxPictureSide)
-    throw Tool_UsageError(fmt::format("{}: {} is not {} to {} pixels", iOption, iPixels, iLeast,
-                                      kHost_MaxPictureSide));
+int ParseSide(std::string const & iOption, std::optional<std::string> const & iText, int iLeast,
+              int iDefault) {
+  if (!iText) return iDefault;
+  int pixels = 0;
+  char const * const end = iText->data() + iText->size();
+  auto const [stop, error] = std::from_chars(iText->data(), end, pixels);
+  if (error == std::errc() && stop == end && pixels >= iLeast && pixels <= kHost_MaxPictureSide)
+    return pixels;
+  throw Tool_UsageError(fmt::format("{}: '{}' is not {} to {} pixels", iOption, *iText, iLeast,
+                                    kHost_MaxPictureSide));
 }
 
 void CheckForm(std::string const & iPath) {
@@ -62,7 +71,9 @@ CLI::App * Tool_PictureCommand::AddTo(CLI::App & ioApp) {
       ->type_name("POS");
   command->add_option("--to", mTo, "The position at the right edge, instead of the end")
       ->type_name("POS");
-  command->add_option("--width", mWidth, fmt::format("In pixels, {} unless told", mWidth))
+  command
+      ->add_option("--width", mWidth,
+                   fmt::format("In pixels, {} unless told", Host_Picture().mWidth))
       ->type_name("N");
   command->add_option("--height", mHeight, "In pixels; what the clips need unless told")
       ->type_name("N");
@@ -73,11 +84,11 @@ CLI::App * Tool_PictureCommand::AddTo(CLI::App & ioApp) {
 
 int Tool_PictureCommand::Run() const {
   CheckForm(mOut);
-  CheckSide("--width", mWidth, kHost_MinPictureWidth);
-  if (mHeight != 0) CheckSide("--height", mHeight, 1);
+  Host_Picture picture;
+  picture.mWidth = ParseSide("--width", mWidth, kHost_MinPictureWidth, picture.mWidth);
+  picture.mHeight = ParseSide("--height", mHeight, 1, picture.mHeight);
   std::optional<long long> const clip = Tool_ParseClip(mClip);
   Host_MidiFile const file = Tool_LoadFile(mFile);
-  Host_Picture picture;
   picture.mTitle = Tool_MakePrintable(std::filesystem::path(mFile).filename().string(), 120);
   picture.mBars = Host_BarMap(file.mTimeSignatures);
   for (int const i : Tool_SelectClips(clip, static_cast<int>(file.mClips.size())))
@@ -87,8 +98,6 @@ int Tool_PictureCommand::Run() const {
   Time_Tick const end(std::max(file.GetEnd().AsInt64(), Time_Globals::kTicksPerBeat));
   picture.mFrom = Resolve("--from", mFrom, picture.mBars, Time_Tick(0));
   picture.mTo = Resolve("--to", mTo, picture.mBars, end);
-  picture.mWidth = mWidth;
-  picture.mHeight = mHeight;
   if (picture.mFrom.AsInt64() >= picture.mTo.AsInt64())
     throw Tool_UsageError(mTo ? "--from lies at or after --to" : "--from lies at or after the end");
   Write(picture, mOut);

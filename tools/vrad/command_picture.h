@@ -4,8 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "host/host_picture.h"
-
 namespace CLI {
 class App;
 }
@@ -13,9 +11,7 @@ class App;
 /// Draws the clips of a file.
 struct Tool_PictureCommand {
   std::string mFile, mOut;
-  std::optional<std::string> mClip, mFrom, mTo;
-  int mWidth = Host_Picture().mWidth;
-  int mHeight = 0;
+  std::optional<std::string> mClip, mFrom, mTo, mWidth, mHeight;
 
   /// The options write to this object, which must outlive ioApp. Gives the command's part of it.
   CLI::App * AddTo(CLI::App & ioApp);
