@@ -88,6 +88,11 @@ class AsXML(Dump):
                          ["0t", "60", "960000t", "80", "33", "0t", "0t", "60", "960000t", "80",
                           "33"])
 
+    def test_begins_as_the_readme_says(self):
+        golden = os.path.join(cli_test.ROOT, "tests", "golden", "demo_dump.xml")
+        with open(golden, encoding="utf-8") as lines:
+            self.assertTrue(self.dump(DEMO, "--clip", "3", "--as", "xml").startswith(lines.read()))
+
     def test_one_clip(self):
         clips = self.parse(DEMO, "--clip", "3").findall("clip")
         self.assertEqual([clip.get("name") for clip in clips], ["Lead"])
