@@ -7,19 +7,17 @@ import json
 import os
 import re
 import subprocess
-import sys
 import unittest
 import xml.etree.ElementTree
 
-import cli_test
-from cli_test import DEMO, NOTES, header, track
+from tool_case import DEMO, NOTES, ROOT, TOOL, Tool, header, track
 
 NOTE = ["Time", "nPitch", "Duration", "nOnVel", "nOffVel", "QuantizeTimeDelta",
         "DurationDeltaFromOriginal", "nOriginalPitch", "OriginalDuration", "nOriginalOnVel",
         "nOriginalOffVel"]
 
 
-class Dump(cli_test.Tool):
+class Dump(Tool):
     def dump(self, path, *options):
         status, out, err = self.run_tool("dump", path, *options)
         self.assertEqual((status, err), (0, ""))
@@ -89,7 +87,7 @@ class AsXML(Dump):
                           "33"])
 
     def test_begins_as_the_readme_says(self):
-        golden = os.path.join(cli_test.ROOT, "tests", "golden", "demo_dump.xml")
+        golden = os.path.join(ROOT, "tests", "golden", "demo_dump.xml")
         with open(golden, encoding="utf-8") as lines:
             self.assertTrue(self.dump(DEMO, "--clip", "3", "--as", "xml").startswith(lines.read()))
 
@@ -177,13 +175,12 @@ class Errors(Dump):
     def test_full_disk(self):
         for form in ("xml", "text"):
             with open("/dev/full", "wb") as full:
-                done = subprocess.run([cli_test.TOOL, "dump", DEMO, "--as", form],
-                                      cwd=cli_test.ROOT, stdout=full, stderr=subprocess.PIPE,
+                done = subprocess.run([TOOL, "dump", DEMO, "--as", form],
+                                      cwd=ROOT, stdout=full, stderr=subprocess.PIPE,
                                       text=True, timeout=120)
             self.assertEqual((done.returncode, done.stderr),
                              (1, "vrad: standard output: No space left on device\n"))
 
 
 if __name__ == "__main__":
-    cli_test.TOOL = os.path.abspath(sys.argv.pop(1))
     unittest.main()

@@ -6,13 +6,11 @@ Usage: picture_tool_test.py TOOL [unittest options]
 import os
 import re
 import struct
-import sys
 import unittest
 import xml.etree.ElementTree
 import zlib
 
-import cli_test
-from cli_test import DEMO, header, track
+from tool_case import DEMO, Tool, header, track
 
 SVG = "{http://www.w3.org/2000/svg}"
 LOUD, SOFT = (226, 38, 76), (176, 205, 240)
@@ -62,7 +60,7 @@ def size_of(data):
     return struct.unpack(">II", data[16:24])
 
 
-class Picture(cli_test.Tool):
+class Picture(Tool):
     def path(self, name):
         return os.path.join(self.folder, name)
 
@@ -207,5 +205,4 @@ class Errors(Picture):
 
 
 if __name__ == "__main__":
-    cli_test.TOOL = os.path.abspath(sys.argv.pop(1))
     unittest.main()
