@@ -112,30 +112,28 @@ void Host_CheckedNotes::EndAll() {
   mRinging.clear();
 }
 
-void Host_CheckedNotes::EndRingingOf(int iPitch) {
-  for (Ringing const & note : mRinging)
-    if (note.mPitch == iPitch) mDue.push_back(EndOf(note.mPitch, note.mOffVelocity, false));
-  std::erase_if(mRinging, [iPitch](Ringing const & iNote) { return iNote.mPitch == iPitch; });
-}
-
-// One note of the pitch that has begun to ring may instead go on as the one that is struck.
-void Host_CheckedNotes::PairWithRinging(int iPitch) {
-  auto const iter = std::find_if(mRinging.begin(), mRinging.end(), [iPitch](Ringing const & iNote) {
-    return iNote.mPitch == iPitch && iNote.mIsNew;
-  });
+// A strike ends one ringing note of its pitch, whichever, and may end all. `iMayGoOn`: one that has
+// just begun to ring may instead go on as the note that is struck.
+void Host_CheckedNotes::EndRingingOf(int iPitch, bool iMayGoOn) {
+  auto const isEnding = [iPitch, iMayGoOn](Ringing const & iNote) {
+    return iNote.mPitch == iPitch && (iNote.mIsNew || !iMayGoOn);
+  };
+  auto const isOfPitch = [iPitch](Ringing const & iNote) { return iNote.mPitch == iPitch; };
+  auto const iter = std::find_if(mRinging.begin(), mRinging.end(), isEnding);
   if (iter != mRinging.end()) {
-    mDue.push_back(EndOf(iPitch, iter->mOffVelocity, true));
+    bool const isOnlyOne = std::count_if(mRinging.begin(), mRinging.end(), isOfPitch) == 1;
+    mDue.push_back(EndOf(iPitch, isOnlyOne ? iter->mOffVelocity : kAnyVelocity, iMayGoOn));
     mRinging.erase(iter);
   }
-  for (Ringing & note : mRinging)
-    if (note.mPitch == iPitch) note.mIsFree = true;
+  for (Ringing & note : mRinging) {
+    if (!isOfPitch(note)) continue;
+    note.mIsFree = true;
+    note.mOffVelocity = kAnyVelocity;
+  }
 }
 
 void Host_CheckedNotes::Strike(int iIndex, Host_CheckedClip::Note const & iNote, bool iMayGoOn) {
-  if (iMayGoOn)
-    PairWithRinging(iNote.mPitch);
-  else
-    EndRingingOf(iNote.mPitch);
+  EndRingingOf(iNote.mPitch, iMayGoOn);
   mDue.push_back({iNote.mPitch, iNote.mOnVelocity, true, iMayGoOn, false, iNote.mStart});
   mSounding.push_back({iIndex, iNote.mPitch, iNote.mOnVelocity, iNote.mOffVelocity});
 }
@@ -150,7 +148,7 @@ void Host_CheckedNotes::End(int iIndex, Host_CheckedClip::Note const & iNote) {
 }
 
 void Host_CheckedNotes::Pass(Host_CheckedClip::Note const & iNote, bool iIsOptional) {
-  if (!iIsOptional) EndRingingOf(iNote.mPitch);
+  if (!iIsOptional) EndRingingOf(iNote.mPitch, false);
   mDue.push_back({iNote.mPitch, iNote.mOnVelocity, true, false, iIsOptional, iNote.mStart});
   mDue.push_back({iNote.mPitch, iNote.mOffVelocity, false, false, iIsOptional, iNote.mEnd});
 }

@@ -69,7 +69,7 @@ public:
   void Blur();
   /// The clip is another one: what sounds is none of its notes.
   void Orphan();
-  /// Also ends what rings of that pitch.
+  /// Also ends a note of that pitch that rings.
   void Strike(int iIndex, Host_CheckedClip::Note const & iNote, bool iMayGoOn);
   void End(int iIndex, Host_CheckedClip::Note const & iNote);
   /// A note that begins and ends in the sample. `iIsOptional`: it may have done so already.
@@ -122,9 +122,8 @@ private:
   static constexpr int kAnyVelocity = -1;
 
   static Ringing RestOf(Sounding const & iNote, std::vector<Sounding> const & iAll);
-  void PairWithRinging(int iPitch);
   static Due EndOf(int iPitch, int iOffVelocity, bool iMayGoOn);
-  void EndRingingOf(int iPitch);
+  void EndRingingOf(int iPitch, bool iMayGoOn);
   Counts Count(int iPitch) const;
   static bool FindPairs(Counts const & iCounts, int & oNumKept, int & oNumFree);
   static Host_NoteFlaw FindWrongNumber(Counts const & iCounts, std::string const & iNote,
