@@ -400,7 +400,9 @@ Host_StreamChecker::Impl::FindReceivingClip(Host_WireMessage const & iMessage) {
   for (auto const & clipP : mClips) {
     if (clipP->mNumber != iMessage.mClip) continue;
     foundP = clipP.get();
-    if (isSysex || (iMessage.mData[0] & 0x0F) == foundP->mChannel) return foundP;
+    bool const isItsOwn =
+        isSysex ? !foundP->mIsRemoved : (iMessage.mData[0] & 0x0F) == foundP->mChannel;
+    if (isItsOwn) return foundP;
   }
   if (foundP == nullptr)
     Blame(Host_EViolation::kClip, iMessage.mClip, -1, "there is no such clip");
