@@ -137,18 +137,49 @@ void Cmn_ChunkyVecImpl::Append(char const * iRecord) {
   ++mSize;
 }
 
-// Short runs are copied, so that many of them in a row fill their chunks.
+// What is longer than all that is there takes the place of it, as a whole.
 void Cmn_ChunkyVecImpl::Append(Cmn_ChunkyVecImpl const & iSource, int iFirst, int iLast) {
-  if (iLast - iFirst > Cmn_ChunkyVecNode::kLeafRoom || &iSource == this) {
+  int const num = iLast - iFirst;
+  bool const mayShare = &iSource != this && iSource.mCopierP->GetDigest() == mCopierP->GetDigest();
+  if (num > mSize || !mayShare) {
     Insert(End(), iterator(&iSource, iFirst), iterator(&iSource, iLast));
     return;
   }
-  while (iFirst < iLast) {
-    char const * records = nullptr;
-    int const num = std::min(iSource.GetSpan(iFirst, &records), iLast - iFirst);
-    AppendRun(records, num);
-    iFirst += num;
+  if (num <= 0) return;
+  CheckRoomFor(num);
+  Settle();
+  iSource.Settle();
+  AppendShared(iSource, *iSource.mRootP, iFirst, iLast);
+}
+
+// Indices within the node.
+void Cmn_ChunkyVecImpl::AppendShared(Cmn_ChunkyVecImpl const & iSource, Cmn_ChunkyVecNode & ioNode,
+                                     int iFirst, int iLast) {
+  int const num = ioNode.mSummary.mNum;
+  bool const isWhole = iFirst == 0 && iLast == num && ioNode.mHeight < mRootP->mHeight;
+  if (isWhole && !FitsIntoTail(ioNode)) {
+    Touch();
+    iSource.Touch();
+    Tree(*mCopierP, mElementSize).AppendNode(mRootP, ioNode);
+    mSize += num;
+    return;
   }
+  if (ioNode.IsLeaf()) {
+    AppendRun(static_cast<Cmn_ChunkyVecLeaf &>(ioNode).At(iFirst), iLast - iFirst);
+    return;
+  }
+  auto const & inner = static_cast<Cmn_ChunkyVecInner &>(ioNode);
+  for (int i = inner.ChildAt(iFirst); i < inner.mNum && inner.StartOf(i) < iLast; ++i) {
+    int const start = inner.StartOf(i);
+    AppendShared(iSource, *inner.mChild[i], std::max(iFirst - start, 0),
+                 std::min(iLast, inner.mEnd[i]) - start);
+  }
+}
+
+bool Cmn_ChunkyVecImpl::FitsIntoTail(Cmn_ChunkyVecNode & iNode) const {
+  int offset;
+  int const numInTail = FindLeaf(mSize - 1, &offset)->mNum;
+  return numInTail + Tree::Find(&iNode, 0, &offset)->mNum <= Cmn_ChunkyVecNode::kLeafRoom;
 }
 
 void Cmn_ChunkyVecImpl::AppendRun(char const * iRecords, int iNum) {

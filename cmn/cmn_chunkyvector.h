@@ -174,8 +174,9 @@ public:
   iterator Erase(iterator const & iFirst, iterator const & iLast);
   /// One record at the end. Amortised O(1).
   void Append(char const * iRecord);
-  /// The records [iFirst, iLast) of any sequence of such records at the end. What is longer than a
-  /// few chunks is shared: O(log n + C).
+  /// The records [iFirst, iLast) of any sequence of such records at the end. Whole chunks are
+  /// shared but for those that fit into the last one: O(log n + C). Fails: `std::bad_alloc`; some
+  /// of them may stand at the end.
   void Append(Cmn_ChunkyVecImpl const & iSource, int iFirst, int iLast);
   /// Puts another record in the place of one. O(log n + C).
   void Replace(int iIndex, char const * iRecord);
@@ -224,6 +225,9 @@ private:
   void UnshareFor(int iIndex, Cmn_ChunkyVecPath & oPath);
   void InsertOne(int iIndex, char const * iRecord);
   void AppendRun(char const * iRecords, int iNum);
+  void AppendShared(Cmn_ChunkyVecImpl const & iSource, Cmn_ChunkyVecNode & ioNode, int iFirst,
+                    int iLast);
+  bool FitsIntoTail(Cmn_ChunkyVecNode & iNode) const;
   void InsertTree(int iIndex, Cmn_ChunkyVecNode * iRootP);
   Cmn_ChunkyVecNode * Copy(Cmn_ChunkyVecCopier const & iCopier, int iFirst, int iLast) const;
   void ReplaceRoot(Cmn_ChunkyVecNode * iRootP);
@@ -406,7 +410,8 @@ public:
   iterator Erase(const_iterator iFirst, const_iterator iLast) {
     return iterator(mImpl.Erase(iFirst.GetPosition(), iLast.GetPosition()));
   }
-  /// Puts the records [iFirst, iLast) of any sequence of such records at the end.
+  /// Puts the records [iFirst, iLast) of any sequence of such records at the end. If that fails,
+  /// some of them may stand there.
   void Append(Cmn_ChunkyVectorBase const & iSource, int iFirst, int iLast) {
     mImpl.Append(iSource.mImpl, iFirst, iLast);
   }

@@ -271,11 +271,8 @@ void Cmn_ChunkyVecTree::FindForInsertion(Node *& ioRootP, int iIndex, Path & oPa
   Node * nodeP = ioRootP;
   while (!nodeP->IsLeaf()) {
     Inner & inner = static_cast<Inner &>(*nodeP);
-    int child = inner.ChildForInsertion(iIndex);
-    MakeWritable(inner.mChild[child]);
-    if (IsFull(*inner.mChild[child])) {
-      child = MakeRoomInChild(inner, child, iIndex - inner.StartOf(child), atEnd);
-    }
+    int const first = inner.ChildForInsertion(iIndex);
+    int const child = ChildWithRoom(inner, first, iIndex - inner.StartOf(first), atEnd);
     iIndex -= inner.StartOf(child);
     oPath.mSteps[oPath.mNumSteps++] = {&inner, child};
     nodeP = inner.mChild[child];
@@ -306,6 +303,22 @@ void Cmn_ChunkyVecTree::AppendToTail(Node & ioRoot, Leaf & ioTail, char const * 
     inner.Widen(appended);
     nodeP = inner.mChild[inner.mNum - 1];
   }
+}
+
+void Cmn_ChunkyVecTree::AppendNode(Node *& ioRootP, Node & ioNode) const {
+  MakeWritable(ioRootP);
+  if (IsFull(*ioRootP)) MakeRoomInRoot(ioRootP);
+  Path path;
+  Inner * innerP = static_cast<Inner *>(ioRootP);
+  while (innerP->mHeight > ioNode.mHeight + 1) {
+    int const child = ChildWithRoom(*innerP, innerP->mNum - 1, 0, true);
+    path.mSteps[path.mNumSteps++] = {innerP, child};
+    innerP = static_cast<Inner *>(innerP->mChild[child]);
+  }
+  AppendChild(*innerP, NodeRef::Share(&ioNode));
+  innerP->mSummary.Append(ioNode.mSummary);
+  for (int i = path.mNumSteps - 1; i >= 0; --i)
+    path.mSteps[i].mInnerP->Widen(ioNode.mSummary);
 }
 
 void Cmn_ChunkyVecTree::InsertIntoLeaf(Leaf & ioLeaf, int iOffset, char const * iRecord) const {
@@ -526,13 +539,21 @@ void Cmn_ChunkyVecTree::MakeRoomInRoot(Node *& ioRootP) const {
   ioRootP = parent.Release();
 }
 
-// At the end of the sequence the new node starts empty, so that what is built in order is full.
-int Cmn_ChunkyVecTree::MakeRoomInChild(Inner & ioParent, int iChild, int iIndex,
-                                       bool iAtEnd) const {
+// The child, or one that was split off it, for writing. At the end of the sequence the new node
+// starts empty, so that what is built in order is full.
+int Cmn_ChunkyVecTree::ChildWithRoom(Inner & ioParent, int iChild, int iIndex, bool iAtEnd) const {
+  if (!IsFull(*ioParent.mChild[iChild])) {
+    MakeWritable(ioParent.mChild[iChild]);
+    return iChild;
+  }
   if (Enlarge(ioParent.mChild[iChild])) return iChild;
+  if (iAtEnd && ioParent.mHeight == 1) {
+    ioParent.Insert(iChild + 1, NewLeaf(Node::kLeafRoom).Release(), Summary());
+    return iChild + 1;
+  }
+  MakeWritable(ioParent.mChild[iChild]);
   Node & child = *ioParent.mChild[iChild];
-  int const kept = !iAtEnd ? child.mNum / 2 : child.IsLeaf() ? child.mNum : child.mNum - 1;
-  NodeRef rest = SplitOff(child, kept);
+  NodeRef rest = SplitOff(child, iAtEnd ? child.mNum - 1 : child.mNum / 2);
   Summary const summary = rest->mSummary;
   ioParent.Refresh(iChild);
   ioParent.Insert(iChild + 1, rest.Release(), summary);

@@ -162,6 +162,8 @@ public:
 
   /// Needs: room in the last leaf and an unshared path to it.
   void AppendToTail(Node & ioRoot, Leaf & ioTail, char const * iRecords, int iNum) const;
+  /// Needs: a higher tree. A count is added to the node, which goes behind all records.
+  void AppendNode(Node *& ioRootP, Node & ioNode) const;
   void InsertIntoLeaf(Leaf & ioLeaf, int iOffset, char const * iRecord) const;
   void EraseFromLeaf(Leaf & ioLeaf, int iOffset, int iNum) const;
   void ReplaceInLeaf(Leaf & ioLeaf, int iOffset, char const * iRecord) const;
@@ -191,7 +193,7 @@ private:
   static bool IsFull(Node const & iNode);
   bool Enlarge(Node *& ioNodeP) const;
   void MakeRoomInRoot(Node *& ioRootP) const;
-  int MakeRoomInChild(Inner & ioParent, int iChild, int iIndex, bool iAtEnd) const;
+  int ChildWithRoom(Inner & ioParent, int iChild, int iIndex, bool iAtEnd) const;
   NodeRef SplitOff(Node & ioNode, int iFirst) const;
   void AppendToLeaf(Leaf & ioLeaf, Leaf & iSource, int iFirst, int iLast) const;
   void AbsorbNeighbour(Inner & ioParent, int iChild) const;

@@ -468,6 +468,16 @@ TEST(Cmn_ChunkyPODVector_Append, LeavesCopiesAlone) {
   EXPECT_EQ(1000, source.Size());
 }
 
+TEST(Cmn_ChunkyPODVector_Append, VoidsWhatWritersOfTheSourceRemember) {
+  Numbers source = MakeNumbers(128);
+  Numbers numbers = MakeNumbers(200);
+  auto const iter = source.At(5);
+  *iter = 55;
+  numbers.Append(source, 0, 64);
+  *iter = 99;
+  EXPECT_EQ(55, std::as_const(numbers)[205]);
+}
+
 TEST(Cmn_ChunkyPODVector_Append, KeepsTheKeys) {
   Numbers const source = MakeKeyedNumbers(1000);
   Numbers numbers(&sDigest);
@@ -491,11 +501,20 @@ TEST(Cmn_ChunkyPODVector_Append, OfARunThatDescendsIsSeen) {
   EXPECT_FALSE(numbers.GetImpl().Summarise().mAscending);
 }
 
-TEST(Cmn_ChunkyPODVector_Append, OutOfMemoryChangesNothing) {
-  Numbers const source = MakeNumbers(10000);
-  EXPECT_LT(1, CountRefusals(MakeNumbers(70), [&source](Numbers & ioNumbers) {
-              ioNumbers.Append(source, 30, 9000);
-            }));
+TEST(Cmn_ChunkyPODVector_Append, OutOfMemoryLeavesWhatCameFirst) {
+  Numbers const source = MakeNumbers(70000);
+  Numbers const start = MakeNumbers(40000);
+  int num = 0;
+  for (bool fails = true; fails; ++num) {
+    Numbers numbers(start);
+    fails = RunsOutOfMemory(num, [&] { numbers.Append(source, 30, 30000); });
+    int const size = numbers.Size();
+    EXPECT_TRUE(fails || size == 69970);
+    for (int i = 40000; i < size; ++i)
+      ASSERT_EQ(i - 40000 + 30, std::as_const(numbers)[i]);
+    ASSERT_EQ(39999, std::as_const(numbers)[39999]);
+  }
+  EXPECT_LT(3, num);
 }
 
 TEST(Cmn_ChunkyPODVector_Unshare, MakesWritingTakeNoMemory) {

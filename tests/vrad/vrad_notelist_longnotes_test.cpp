@@ -217,6 +217,32 @@ TEST(Vrad_NoteList_LongNotes, MakingThemAnewEmptiesAndFillsTheWholeChain) {
   EXPECT_EQ("61@0+60; 61@0+60; ", PrintChain(list));
 }
 
+// A merge of a list without long notes makes them anew.
+TEST(Vrad_NoteList_LongNotes, MakingThemAnewFindsThemAmongManyShortOnes) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  for (int i = 0; i < 1000; ++i)
+    AddNote(list, 60, i, i == 7 || i == 700 ? 100 : 99);
+  list.SetLongNoteDuration(TickLength(100));
+  List one;
+  AddNote(one, 61, 500, 101);
+  list.Merge(&one);
+  EXPECT_EQ("60@7+100 | 61@500+101 | 60@700+100", PrintLongNotes(list));
+}
+
+TEST(Vrad_NoteList_LongNotes, MakingThemAnewFindsThoseAtTheLimitsOfTime) {
+  constexpr long long kFirst = Time_Saturating::kMin, kLast = Time_Saturating::kMax;
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  AddNote(list, 60, kFirst, 50);
+  AddNote(list, 61, 5, 50);
+  AddNote(list, 62, kLast - 9, 50);
+  AddNote(list, 63, kLast, 50);
+  list.SetLongNoteDuration(TickLength(50));
+  List one;
+  AddNote(one, 64, 0, 1);
+  list.Merge(&one);
+  ASSERT_EQ(4u, list.GetLongNoteList()->Size());
+}
+
 TEST(Vrad_NoteList_SetLongNoteDuration, ChangesOneThresholdAndMovesNoNote) {
   Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
   AddNote(list, 60, 0, 100);
