@@ -166,38 +166,58 @@ void Cmn_ChunkyVecInner::Refresh(int iChild) {
     mEnd[i] += grown;
 }
 
+void Cmn_ChunkyVecInner::MoveChildren(int iTo, int iFrom) {
+  int const num = mNum - iFrom;
+  if (num == 0) return;
+  MoveWithin(mChild, iTo, iFrom, num);
+  MoveWithin(mEnd, iTo, iFrom, num);
+  MoveWithin(mAscending, iTo, iFrom, num);
+  MoveWithin(mMarks, iTo, iFrom, num);
+  MoveWithin(mFirst, iTo, iFrom, num);
+  MoveWithin(mLast, iTo, iFrom, num);
+  MoveWithin(mLeast, iTo, iFrom, num);
+  MoveWithin(mGreatest, iTo, iFrom, num);
+}
+
+void Cmn_ChunkyVecInner::Take(int iAt, Inner const & iSource, int iFirst, int iLast) {
+  int const num = iLast - iFirst;
+  if (num <= 0) return;
+  int const start = StartOf(iAt);
+  int const sourceStart = iSource.StartOf(iFirst);
+  int const added = iSource.mEnd[iLast - 1] - sourceStart;
+  MoveChildren(iAt + num, iAt);
+  mNum += num;
+  for (int i = iAt + num; i < mNum; ++i)
+    mEnd[i] += added;
+  for (int i = 0; i < num; ++i)
+    mEnd[iAt + i] = start + iSource.mEnd[iFirst + i] - sourceStart;
+  CopyArray(mChild + iAt, iSource.mChild + iFirst, num);
+  CopyArray(mAscending + iAt, iSource.mAscending + iFirst, num);
+  CopyArray(mMarks + iAt, iSource.mMarks + iFirst, num);
+  CopyArray(mFirst + iAt, iSource.mFirst + iFirst, num);
+  CopyArray(mLast + iAt, iSource.mLast + iFirst, num);
+  CopyArray(mLeast + iAt, iSource.mLeast + iFirst, num);
+  CopyArray(mGreatest + iAt, iSource.mGreatest + iFirst, num);
+}
+
 void Cmn_ChunkyVecInner::Insert(int iAt, Node * iChildP, Summary const & iSummary) {
   int const start = StartOf(iAt);
-  int const num = mNum - iAt;
-  MoveWithin(mChild, iAt + 1, iAt, num);
-  MoveWithin(mAscending, iAt + 1, iAt, num);
-  MoveWithin(mMarks, iAt + 1, iAt, num);
-  MoveWithin(mFirst, iAt + 1, iAt, num);
-  MoveWithin(mLast, iAt + 1, iAt, num);
-  MoveWithin(mLeast, iAt + 1, iAt, num);
-  MoveWithin(mGreatest, iAt + 1, iAt, num);
-  for (int i = mNum; i > iAt; --i)
-    mEnd[i] = mEnd[i - 1] + iSummary.mNum;
+  MoveChildren(iAt + 1, iAt);
+  ++mNum;
+  for (int i = iAt + 1; i < mNum; ++i)
+    mEnd[i] += iSummary.mNum;
   mChild[iAt] = iChildP;
   mEnd[iAt] = start + iSummary.mNum;
   SetKeys(iAt, iSummary);
-  ++mNum;
 }
 
 Node * Cmn_ChunkyVecInner::Remove(int iAt) {
   Node * const childP = mChild[iAt];
   int const removed = mEnd[iAt] - StartOf(iAt);
-  int const num = mNum - iAt - 1;
-  MoveWithin(mChild, iAt, iAt + 1, num);
-  MoveWithin(mAscending, iAt, iAt + 1, num);
-  MoveWithin(mMarks, iAt, iAt + 1, num);
-  MoveWithin(mFirst, iAt, iAt + 1, num);
-  MoveWithin(mLast, iAt, iAt + 1, num);
-  MoveWithin(mLeast, iAt, iAt + 1, num);
-  MoveWithin(mGreatest, iAt, iAt + 1, num);
+  MoveChildren(iAt, iAt + 1);
   --mNum;
   for (int i = iAt; i < mNum; ++i)
-    mEnd[i] = mEnd[i + 1] - removed;
+    mEnd[i] -= removed;
   return childP;
 }
 
@@ -403,9 +423,7 @@ NodeRef Cmn_ChunkyVecTree::Slice(Node * iNodeP, int iFirst, int iLast) const {
   NodeRef middle;
   if (last - first > 1) {
     middle = NewInner(inner.mHeight);
-    for (int i = first + 1; i < last; ++i)
-      middle.AsInner().Insert(i - first - 1, NodeRef::Share(inner.mChild[i]).Release(),
-                              inner.SummaryOf(i));
+    ShareChildren(middle.AsInner(), 0, inner, first + 1, last);
     middle.AsInner().Fold();
   }
   return Concat(Concat(std::move(front), std::move(middle)), std::move(back));
@@ -485,18 +503,8 @@ NodeRef Cmn_ChunkyVecTree::Clone(Node & iNode) const {
   Inner const & source = static_cast<Inner const &>(iNode);
   NodeRef result = NewInner(source.mHeight);
   Inner & inner = result.AsInner();
-  CopyArray(inner.mChild, source.mChild, source.mNum);
-  CopyArray(inner.mEnd, source.mEnd, source.mNum);
-  CopyArray(inner.mAscending, source.mAscending, source.mNum);
-  CopyArray(inner.mMarks, source.mMarks, source.mNum);
-  CopyArray(inner.mFirst, source.mFirst, source.mNum);
-  CopyArray(inner.mLast, source.mLast, source.mNum);
-  CopyArray(inner.mLeast, source.mLeast, source.mNum);
-  CopyArray(inner.mGreatest, source.mGreatest, source.mNum);
+  ShareChildren(inner, 0, source, 0, source.mNum);
   inner.mSummary = source.mSummary;
-  inner.mNum = source.mNum;
-  for (int i = 0; i < inner.mNum; ++i)
-    inner.mChild[i]->AddRef();
   return result;
 }
 
@@ -571,8 +579,7 @@ NodeRef Cmn_ChunkyVecTree::SplitOff(Node & ioNode, int iFirst) const {
   }
   Inner & inner = static_cast<Inner &>(ioNode);
   NodeRef rest = NewInner(inner.mHeight);
-  for (int i = iFirst; i < inner.mNum; ++i)
-    rest.AsInner().Insert(i - iFirst, inner.mChild[i], inner.SummaryOf(i));
+  rest.AsInner().Take(0, inner, iFirst, inner.mNum);
   inner.mNum = iFirst;
   inner.Fold();
   rest.AsInner().Fold();
@@ -607,9 +614,7 @@ void Cmn_ChunkyVecTree::Absorb(Node & ioTarget, Node & iSource, bool iAtFront) c
   if (!ioTarget.IsLeaf()) {
     Inner & target = static_cast<Inner &>(ioTarget);
     Inner & source = static_cast<Inner &>(iSource);
-    int const at = iAtFront ? 0 : target.mNum;
-    for (int i = 0; i < source.mNum; ++i)
-      target.Insert(at + i, NodeRef::Share(source.mChild[i]).Release(), source.SummaryOf(i));
+    ShareChildren(target, iAtFront ? 0 : target.mNum, source, 0, source.mNum);
     target.Fold();
     return;
   }
@@ -689,6 +694,13 @@ Cmn_ChunkyVecTree::NodePair Cmn_ChunkyVecTree::JoinIntoBack(NodeRef iFront, Node
 void Cmn_ChunkyVecTree::AppendChild(Inner & ioInner, NodeRef iChild) {
   Summary const summary = iChild->mSummary;
   ioInner.Insert(ioInner.mNum, iChild.Release(), summary);
+}
+
+void Cmn_ChunkyVecTree::ShareChildren(Inner & ioInner, int iAt, Inner const & iSource, int iFirst,
+                                      int iLast) {
+  ioInner.Take(iAt, iSource, iFirst, iLast);
+  for (int i = iFirst; i < iLast; ++i)
+    iSource.mChild[i]->AddRef();
 }
 
 NodeRef Cmn_ChunkyVecTree::Parent(NodeRef iFront, NodeRef iBack) {

@@ -61,12 +61,19 @@ struct Cmn_ChunkyVecInner : Cmn_ChunkyVecNode {
   void Update(int iChild);
   /// The same, but for its own summary, which is left to `Fold`, as below.
   void Refresh(int iChild);
+  /// Children of another node, [iFirst, iLast), before the one at `iAt`. Their counts are the
+  /// caller's affair. Needs: room.
+  void Take(int iAt, Cmn_ChunkyVecInner const & iSource, int iFirst, int iLast);
   /// Takes over a count. Needs: fewer than kWidth children.
   void Insert(int iAt, Cmn_ChunkyVecNode * iChildP, Cmn_ChunkyVecSummary const & iSummary);
   /// Gives the count back.
   Cmn_ChunkyVecNode * Remove(int iAt);
   /// Its own summary from those of the children.
   void Fold();
+
+private:
+  /// Moves the children from one place on, and what is known of them.
+  void MoveChildren(int iTo, int iFrom);
 };
 
 inline Cmn_ChunkyVecSummary Cmn_ChunkyVecInner::SummaryOf(int iChild) const {
@@ -202,6 +209,7 @@ private:
   NodePair JoinIntoFront(NodeRef iFront, NodeRef iBack) const;
   NodePair JoinIntoBack(NodeRef iFront, NodeRef iBack) const;
   static void AppendChild(Inner & ioInner, NodeRef iChild);
+  static void ShareChildren(Inner & ioInner, int iAt, Inner const & iSource, int iFirst, int iLast);
   static NodeRef Parent(NodeRef iFront, NodeRef iBack);
 
   Cmn_ChunkyVecCopier const & mCopier;
