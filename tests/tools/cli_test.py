@@ -190,6 +190,16 @@ class ErrorsThatNobodyHears(Tool):
         self.assertTrue(done.stdout.startswith(NOTES_AS_JSONL.split("}\n")[0]), done.stdout)
 
 
+class HelpThatNobodyReads(Tool):
+    def test_is_an_error(self):
+        for words in (["--help"], ["--version"], ["events", "--help"]):
+            with open("/dev/full", "w") as full:
+                done = subprocess.run([TOOL, *words], stdout=full, stderr=subprocess.PIPE,
+                                      text=True, timeout=120)
+            self.assertEqual((done.returncode, done.stderr),
+                             (1, "vrad: standard output: No space left on device\n"), words)
+
+
 class BadCommandLines(Tool):
     def test_no_command(self):
         status, out, err = self.run_tool()
@@ -366,23 +376,47 @@ not kept in clips: nothing
 
 
 class Progress(Tool):
-    def errors_on_a_terminal(self, num_bytes):
-        """What the tool writes to a terminal while it reads a file of at least so many bytes."""
-        sysex = b"\x00\xf0\x86\x8d\x21" + bytes(100000) + b"\xf7"
-        path = os.path.join(self.folder, "long.mid")
-        with open(path, "wb") as out:
-            out.write(header(0, 1, 480) + track(sysex * (num_bytes // len(sysex) + 1)))
+    def on_a_terminal(self, words, is_output_there=False):
+        """What the tool writes to a terminal, errors alone or what it prints too."""
         terminal, end = os.openpty()
-        run = subprocess.run([TOOL, "info", path], stdout=subprocess.DEVNULL, stderr=end,
-                             timeout=120)
-        os.write(end, b"!")
+        run = subprocess.Popen([TOOL, *words], stderr=end,
+                               stdout=end if is_output_there else subprocess.DEVNULL)
         os.close(end)
-        self.assertEqual(run.returncode, 0)
         text = b""
-        while not text.endswith(b"!"):
-            text += os.read(terminal, 1000)
+        try:
+            while piece := os.read(terminal, 1 << 16):
+                text += piece
+        except OSError:
+            pass  # nobody holds the other end any more
         os.close(terminal)
-        return text[:-1].decode()
+        self.assertEqual(run.wait(timeout=120), 0)
+        return text.decode()
+
+    def errors_on_a_terminal(self, num_bytes):
+        """The same while it reads a file of at least so many bytes."""
+        sysex = b"\x00\xf0\x86\x8d\x21" + bytes(100000) + b"\xf7"
+        path = self.write("long.mid", header(0, 1, 480) +
+                          track(sysex * (num_bytes // len(sysex) + 1)))
+        return self.on_a_terminal(["info", path])
+
+    def many_notes(self, num):
+        return self.write("many.mid", header(0, 1, 480) + track(
+            b"\x01\x90\x3c\x50\x01\x90\x3c\x00" * num))
+
+    def test_long_print_shows_a_bar_and_takes_it_away(self):
+        path = self.many_notes(50000)
+        for command in ("events", "wire"):
+            text = self.on_a_terminal([command, path, "--as", "jsonl"])
+            self.assertIn("\r[" + "#" * 12 + " " * 28 + "]  30%", text)
+            self.assertTrue(text.endswith("\r" + " " * 47 + "\r"))
+
+    def test_short_print_shows_none(self):
+        self.assertEqual(self.on_a_terminal(["events", self.many_notes(5000)]), "")
+
+    def test_print_on_the_same_terminal_shows_none(self):
+        text = self.on_a_terminal(["events", self.many_notes(50000), "--as", "jsonl"], True)
+        self.assertEqual(text.count("\n"), 50000)
+        self.assertNotIn("%", text)
 
     def test_long_work_shows_a_bar_and_takes_it_away(self):
         text = self.errors_on_a_terminal(6 << 20)

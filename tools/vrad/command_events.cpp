@@ -14,6 +14,7 @@ void PrintPlayback(Tool_Range const & iRange, Vrad_Chunk const & iChunk, int iCl
   Vrae_TimedEventList list;
   Vrad_EventListWrapper wrapper(&list);
   iRange.Retrieve(iChunk, iClip, wrapper);
+  ioPrinter.Expect(list.size());
   for (Vrae_TimedEvent const & event : list) {
     ioPrinter.Print({event.mTime, event.mEvent, false, false, 0});
   }
@@ -24,6 +25,7 @@ void PrintDisplay(Tool_Range const & iRange, Vrad_Chunk const & iChunk, int iCli
   Vrad_DisplayItemList list;
   Vrad_EventListWrapper wrapper(&list);
   iRange.Retrieve(iChunk, iClip, wrapper);
+  ioPrinter.Expect(list.size());
   for (Vrad_DisplayItem const & item : list) {
     ioPrinter.Print(
         {item.mTime, item.GetDisplayedEvent().mEvent, true, item.mDisplayFlag, item.mDisplayValue});
@@ -52,6 +54,7 @@ int Tool_EventsCommand::Run() const {
   Host_MidiFile const file = Tool_LoadFile(mFile);
   range.Resolve(file);
   Tool_ClipPrinter printer(file, mAs == "text");
+  printer.ShowProgress(range.GetClips());
   for (int clip : range.GetClips()) {
     Vrad_Chunk const & chunk = *file.mClips[static_cast<size_t>(clip)].mChunk.Get();
     printer.BeginClip(clip);

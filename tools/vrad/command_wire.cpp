@@ -63,8 +63,10 @@ int Tool_WireCommand::Run() const {
   bool const isWhole = Play(range, song, list);
   std::vector<Messages> const messages = SortByClip(list, song.mClips.size());
   Tool_ClipPrinter printer(song, mAs == "text");
+  printer.ShowProgress(range.GetClips());
   for (int clip : range.GetClips()) {
     printer.BeginClip(clip);
+    printer.Expect(messages[static_cast<size_t>(clip)].size());
     for (Host_MessageList::Message const * message : messages[static_cast<size_t>(clip)]) {
       std::optional<Time_Typed> const time = range.GetShownTime(message->mTime);
       if (!time) continue;

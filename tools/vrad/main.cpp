@@ -1,6 +1,7 @@
 // vrad: shows what the library makes of a MIDI file.
 #include <exception>
 #include <functional>
+#include <sstream>
 #include <tuple>
 #include <vector>
 
@@ -40,6 +41,16 @@ std::vector<Entry> AddCommands(Commands & ioCommands, CLI::App & ioApp) {
   return entries;
 }
 
+// --help and --version. Their text can fail to be written like any other.
+int Print(CLI::App const & iApp, CLI::Success const & iSuccess) {
+  std::ostringstream text;
+  iApp.exit(iSuccess, text, text);
+  Tool_Output out;
+  out.Print("{}", text.str());
+  out.Flush();
+  return kStatus_Done;
+}
+
 int Run(int iNumArgs, char ** iArgs) {
   CLI::App app("Reads Standard MIDI Files into clips and hands out their events.", "vrad");
   app.set_version_flag("--version", std::string("vrad ") + Vrad_GetVersion());
@@ -49,7 +60,7 @@ int Run(int iNumArgs, char ** iArgs) {
   try {
     app.parse(iNumArgs, iArgs);
   } catch (CLI::Success const & success) {
-    return app.exit(success);  // --help and --version
+    return Print(app, success);
   } catch (CLI::ParseError const & error) {
     bool const hasCommand = !app.get_subcommands().empty();
     if (hasCommand || app.remaining_size() == 0) throw Tool_UsageError(error.what());

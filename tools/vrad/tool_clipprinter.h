@@ -1,10 +1,13 @@
 // Prints what belongs to one clip after the other.
 #pragma once
 
+#include <vector>
+
 #include "host/host_midibars.h"
 #include "host/host_song.h"
 #include "tools/vrad/tool_event.h"
 #include "tools/vrad/tool_output.h"
+#include "tools/vrad/tool_progress.h"
 #include "tools/vrad/tool_wire.h"
 #include "vrad/vrae_trackstate.h"
 
@@ -14,7 +17,12 @@ public:
   /// The song must outlive it.
   Tool_ClipPrinter(Host_Song const & iSong, bool iIsText);
 
+  /// Shows progress while these clips are printed, unless they are short.
+  void ShowProgress(std::vector<int> const & iClips);
+
   void BeginClip(int iClip);
+  /// So many times `Print` follows for this clip. For the progress.
+  void Expect(size_t iNumPrints) { mNumExpected = iNumPrints; }
   void Print(Tool_RetrievedEvent const & iEvent);
   void Print(Tool_WireMessage const & iMessage);
   void EndClip();
@@ -25,6 +33,7 @@ public:
 private:
   // Text alone: the heading of the columns, before the first line.
   void PrintHeading();
+  void CountPrint();
 
   Host_Song const & mSong;
   Host_BarMap mBars;
@@ -33,6 +42,11 @@ private:
   bool mIsEmpty = true;  // nothing of this clip yet
   Tool_EventSource mSource{};
   Tool_Output mOut;
+
+  Tool_ProgressBar mBar{true};
+  size_t mNumNotes = 0;      // of the clips to print; 0: no progress is shown
+  size_t mNumNotesDone = 0;  // of those behind the present one
+  size_t mNumExpected = 0, mNumPrints = 0;
 };
 
 /// Prints the events that it is sent, all at one position.

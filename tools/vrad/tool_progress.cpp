@@ -19,7 +19,8 @@ void Write(std::string const & iText) {
 
 }  // namespace
 
-Tool_ProgressBar::Tool_ProgressBar() : mIsWanted(Tool_IsErrorTerminal()) {}
+Tool_ProgressBar::Tool_ProgressBar(bool iIsPrinting)
+    : mIsWanted(Tool_IsErrorTerminal() && !(iIsPrinting && Tool_IsOutputTerminal())) {}
 
 Tool_ProgressBar::~Tool_ProgressBar() {
   if (mPercent >= 0) Write(fmt::format("\r{:{}}\r", "", kWidth + 7));

@@ -8,7 +8,8 @@
 /// Leaves the line empty when destroyed.
 class Tool_ProgressBar {
 public:
-  Tool_ProgressBar();
+  /// What is printed meanwhile must not go to the same terminal: then there is no bar.
+  explicit Tool_ProgressBar(bool iIsPrinting = false);
   Tool_ProgressBar(Tool_ProgressBar const &) = delete;
   Tool_ProgressBar & operator=(Tool_ProgressBar const &) = delete;
   ~Tool_ProgressBar();

@@ -11,3 +11,7 @@ bool Tool_IsErrorTerminal() {
 std::vector<int> Tool_GetEndingSignals() {
   return {SIGINT, SIGTERM, SIGHUP};
 }
+
+bool Tool_IsOutputTerminal() {
+  return isatty(STDOUT_FILENO) == 1;
+}

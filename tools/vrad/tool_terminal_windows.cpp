@@ -11,3 +11,7 @@ bool Tool_IsErrorTerminal() {
 std::vector<int> Tool_GetEndingSignals() {
   return {SIGINT, SIGTERM};
 }
+
+bool Tool_IsOutputTerminal() {
+  return _isatty(1) != 0;
+}
