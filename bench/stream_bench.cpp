@@ -18,12 +18,18 @@ typedef std::vector<unsigned char> Bytes;
 
 constexpr long long kStep = 120000;  // ticks from note to note
 
-// The fields of a saved note, times and lengths being words already.
-struct PlainNote {
+// The fields of a saved note and no more, times and lengths being words already.
+struct PackedNote {
   long long mTime, mDuration, mQuantizeTimeDelta, mDurationDelta, mOrigDuration;
   signed char mPitch, mOnVelocity, mOffVelocity, mOrigPitch, mOrigOnVelocity, mOrigOffVelocity;
   bool mMuted;
 };
+
+// The same fields in a record of the size that a note has in memory.
+struct PlainNote : PackedNote {
+  char mRest[sizeof(Vrad_NoteListBase_Note) - sizeof(PackedNote)];
+};
+static_assert(sizeof(PlainNote) == sizeof(Vrad_NoteListBase_Note));
 
 // One note in a hundred is long, one in ten is muted, one in two was edited.
 std::unique_ptr<Vrad_Chunk> MakeChunk(long long iNum) {
@@ -48,14 +54,15 @@ Bytes WriteChunk(Vrad_Chunk const & iChunk) {
   return stream.GetBytes();
 }
 
-void ReadPlain(Sys_TypedInStream & ioStream, std::vector<PlainNote> & oNotes) {
+template <class TNote>
+void ReadPlain(Sys_TypedInStream & ioStream, std::vector<TNote> & oNotes) {
   Sys_StdStreamHeaderReader chunk(ioStream, "VrChun");
   Sys_StdStreamHeaderReader header(ioStream, "VrNLB");
   int count, size;
   short version;
   ioStream.Read(&count);
   oNotes.resize(static_cast<size_t>(count));
-  for (PlainNote & note : oNotes) {
+  for (TNote & note : oNotes) {
     ioStream.Read(&note.mTime);
     ioStream.Read(&note.mPitch);
     ioStream.Read(&note.mDuration);
@@ -66,7 +73,7 @@ void ReadPlain(Sys_TypedInStream & ioStream, std::vector<PlainNote> & oNotes) {
   }
   ioStream.Read(&count);
   ioStream.Read(&size);
-  for (PlainNote & note : oNotes) {
+  for (TNote & note : oNotes) {
     ioStream.Read(&note.mOrigPitch);
     ioStream.Read(&note.mOrigDuration);
     ioStream.Read(&note.mOrigOnVelocity);
@@ -75,17 +82,18 @@ void ReadPlain(Sys_TypedInStream & ioStream, std::vector<PlainNote> & oNotes) {
   ioStream.Read(&count);
   ioStream.Read(&version);
   ioStream.Read(&size);
-  for (PlainNote & note : oNotes)
+  for (TNote & note : oNotes)
     ioStream.Read(&note.mMuted);
   header.SkipTheRest();
   chunk.SkipTheRest();
 }
 
-void WritePlain(Sys_TypedOutStream & ioStream, std::vector<PlainNote> const & iNotes) {
+template <class TNote>
+void WritePlain(Sys_TypedOutStream & ioStream, std::vector<TNote> const & iNotes) {
   int const count = static_cast<int>(iNotes.size());
   Sys_StdStreamHeaderWriter header(ioStream, "VrNLB", 3);
   ioStream.Write(count);
-  for (PlainNote const & note : iNotes) {
+  for (TNote const & note : iNotes) {
     ioStream.Write(note.mTime);
     ioStream.Write(note.mPitch);
     ioStream.Write(note.mDuration);
@@ -96,7 +104,7 @@ void WritePlain(Sys_TypedOutStream & ioStream, std::vector<PlainNote> const & iN
   }
   ioStream.Write(count);
   ioStream.Write(11);
-  for (PlainNote const & note : iNotes) {
+  for (TNote const & note : iNotes) {
     ioStream.Write(note.mOrigPitch);
     ioStream.Write(note.mOrigDuration);
     ioStream.Write(note.mOrigOnVelocity);
@@ -105,7 +113,7 @@ void WritePlain(Sys_TypedOutStream & ioStream, std::vector<PlainNote> const & iN
   ioStream.Write(count);
   ioStream.Write(static_cast<short>(1));
   ioStream.Write(1);
-  for (PlainNote const & note : iNotes)
+  for (TNote const & note : iNotes)
     ioStream.Write(note.mMuted);
   header.PatchSize();
 }
@@ -120,8 +128,9 @@ void ListStreamOut(benchmark::State & ioState) {
   ioState.SetItemsProcessed(ioState.iterations() * ioState.range(0));
 }
 
+template <class TNote>
 void VectorStreamOut(benchmark::State & ioState) {
-  std::vector<PlainNote> notes;
+  std::vector<TNote> notes;
   Sys_MemoryInStream source(WriteChunk(*MakeChunk(ioState.range(0))));
   ReadPlain(source, notes);
   for (auto _ : ioState) {
@@ -143,11 +152,12 @@ void ListStreamIn(benchmark::State & ioState) {
   ioState.SetItemsProcessed(ioState.iterations() * ioState.range(0));
 }
 
+template <class TNote>
 void VectorStreamIn(benchmark::State & ioState) {
   Sys_MemoryInStream stream(WriteChunk(*MakeChunk(ioState.range(0))));
   for (auto _ : ioState) {
     stream.SetPos(0);
-    std::vector<PlainNote> notes;
+    std::vector<TNote> notes;
     ReadPlain(stream, notes);
     benchmark::DoNotOptimize(notes.data());
   }
@@ -169,9 +179,11 @@ void Sizes(benchmark::internal::Benchmark * iBenchmarkP) {
 }
 
 BENCHMARK(ListStreamOut)->Name("list/StreamOut")->Apply(Sizes);
-BENCHMARK(VectorStreamOut)->Name("vector/StreamOut")->Apply(Sizes);
+BENCHMARK(VectorStreamOut<PlainNote>)->Name("vector/StreamOut")->Apply(Sizes);
+BENCHMARK(VectorStreamOut<PackedNote>)->Name("packed/StreamOut")->Apply(Sizes);
 BENCHMARK(ListStreamIn)->Name("list/StreamIn")->Apply(Sizes);
-BENCHMARK(VectorStreamIn)->Name("vector/StreamIn")->Apply(Sizes);
+BENCHMARK(VectorStreamIn<PlainNote>)->Name("vector/StreamIn")->Apply(Sizes);
+BENCHMARK(VectorStreamIn<PackedNote>)->Name("packed/StreamIn")->Apply(Sizes);
 BENCHMARK(Memcpy)->Name("memcpy")->Apply(Sizes);
 
 }  // namespace

@@ -137,6 +137,21 @@ void Cmn_ChunkyVecImpl::Append(char const * iRecord) {
   ++mSize;
 }
 
+int Cmn_ChunkyVecImpl::OpenTail(char ** oFirst) {
+  *oFirst = nullptr;
+  if (!MayAppendInPlace()) return 0;
+  Cmn_ChunkyVecLeaf & tail = static_cast<Cmn_ChunkyVecLeaf &>(*mTailP);
+  *oFirst = tail.At(tail.mNum);
+  return std::min(tail.mRoom - tail.mNum, INT_MAX - mSize);
+}
+
+void Cmn_ChunkyVecImpl::CloseTail(int iNum) {
+  if (iNum == 0) return;
+  Cmn_ChunkyVecLeaf & tail = static_cast<Cmn_ChunkyVecLeaf &>(*mTailP);
+  Tree(*mCopierP, mElementSize).WidenTail(*mRootP, tail, iNum);
+  mSize += iNum;
+}
+
 // What is longer than all that is there takes the place of it, as a whole.
 void Cmn_ChunkyVecImpl::Append(Cmn_ChunkyVecImpl const & iSource, int iFirst, int iLast) {
   int const num = iLast - iFirst;
@@ -236,6 +251,14 @@ int Cmn_ChunkyVecImpl::GetSpan(int iIndex, char const ** oFirst) const {
   return leafP->mNum - offset;
 }
 
+int Cmn_ChunkyVecImpl::GetSpanBesideKeys(int iIndex, char ** oFirst) {
+  if (iIndex < 0 || iIndex >= mSize) return 0;
+  Cmn_ChunkyVecPath path;
+  UnshareFor(iIndex, path, false);
+  *oFirst = path.mLeafP->At(path.mOffset);
+  return path.mLeafP->mNum - path.mOffset;
+}
+
 int Cmn_ChunkyVecImpl::GetWritableSpan(int iIndex, char ** oFirst) {
   if (iIndex < 0 || iIndex >= mSize) return 0;
   Cmn_ChunkyVecPath path;
@@ -275,7 +298,7 @@ Cmn_ChunkyVecLeaf * Cmn_ChunkyVecImpl::FindLeaf(int iIndex, int * oOffset) const
 }
 
 // Addresses in a chunk that is replaced are void, also if memory runs out further down.
-void Cmn_ChunkyVecImpl::UnshareFor(int iIndex, Cmn_ChunkyVecPath & oPath) {
+void Cmn_ChunkyVecImpl::UnshareFor(int iIndex, Cmn_ChunkyVecPath & oPath, bool iTouchesKeys) {
   try {
     Tree(*mCopierP, mElementSize).FindForWriting(mRootP, iIndex, oPath);
   } catch (...) {
@@ -283,7 +306,7 @@ void Cmn_ChunkyVecImpl::UnshareFor(int iIndex, Cmn_ChunkyVecPath & oPath) {
     throw;
   }
   if (oPath.mHasCloned) Touch();
-  if (!oPath.mLeafP->mDigestP) return;
+  if (!iTouchesKeys || !oPath.mLeafP->mDigestP) return;
   oPath.MarkUnsettled();
   mIsUnsettled = true;
 }

@@ -174,6 +174,11 @@ public:
   iterator Erase(iterator const & iFirst, iterator const & iLast);
   /// One record at the end. Amortised O(1).
   void Append(char const * iRecord);
+  /// Room behind the last record, for records that are built where they belong: how many fit, which
+  /// may be none, and where. They belong to the sequence once `CloseTail` says how many were
+  /// written; nothing else may be done to it before. Amortised O(1) for each.
+  int OpenTail(char ** oFirst);
+  void CloseTail(int iNum);
   /// The records [iFirst, iLast) of any sequence of such records at the end. Whole chunks are
   /// shared but for those that fit into the last one: O(log n + C). Fails: `std::bad_alloc`; some
   /// of them may stand at the end.
@@ -189,6 +194,8 @@ public:
   /// How many records lie side by side from `iIndex` on, and where.
   int GetSpan(int iIndex, char const ** oFirst) const;
   int GetWritableSpan(int iIndex, char ** oFirst);
+  /// The same for writing what the keys do not depend on: none lags behind.
+  int GetSpanBesideKeys(int iIndex, char ** oFirst);
   /// Changes with whatever makes addresses void.
   unsigned long long GetStamp() const { return mStamp.load(std::memory_order_relaxed); }
 
@@ -222,7 +229,7 @@ private:
 
   void Remember(Cmn_ChunkyVecImpl_Iterator const & iPos, bool iForWriting) const;
   Cmn_ChunkyVecLeaf * FindLeaf(int iIndex, int * oOffset) const;
-  void UnshareFor(int iIndex, Cmn_ChunkyVecPath & oPath);
+  void UnshareFor(int iIndex, Cmn_ChunkyVecPath & oPath, bool iTouchesKeys = true);
   void InsertOne(int iIndex, char const * iRecord);
   void AppendRun(char const * iRecords, int iNum);
   void AppendShared(Cmn_ChunkyVecImpl const & iSource, Cmn_ChunkyVecNode & ioNode, int iFirst,
@@ -410,6 +417,14 @@ public:
   iterator Erase(const_iterator iFirst, const_iterator iLast) {
     return iterator(mImpl.Erase(iFirst.GetPosition(), iLast.GetPosition()));
   }
+  /// As in the untyped sequence.
+  int OpenTail(T ** oFirst) {
+    char * first;
+    int const num = mImpl.OpenTail(&first);
+    *oFirst = reinterpret_cast<T *>(first);
+    return num;
+  }
+  void CloseTail(int iNum) { mImpl.CloseTail(iNum); }
   /// Puts the records [iFirst, iLast) of any sequence of such records at the end. If that fails,
   /// some of them may stand there.
   void Append(Cmn_ChunkyVectorBase const & iSource, int iFirst, int iLast) {
@@ -454,6 +469,12 @@ public:
   }
   /// Makes every record writable without a copy, so that writing cannot fail any more.
   void Unshare() { mImpl.Unshare(); }
+  int GetSpanBesideKeys(int iIndex, T ** oFirst) {
+    char * first;
+    int const num = mImpl.GetSpanBesideKeys(iIndex, &first);
+    *oFirst = reinterpret_cast<T *>(first);
+    return num;
+  }
   /// The untyped sequence, for searches over its keys.
   Cmn_ChunkyVecImpl const & GetImpl() const { return mImpl; }
   void Settle() const { mImpl.Settle(); }

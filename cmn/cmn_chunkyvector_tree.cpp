@@ -311,8 +311,12 @@ void Cmn_ChunkyVecTree::Unshare(Node *& ioNodeP) const {
 
 void Cmn_ChunkyVecTree::AppendToTail(Node & ioRoot, Leaf & ioTail, char const * iRecords,
                                      int iNum) const {
+  mCopier.Copy(ioTail.At(ioTail.mNum), iRecords, iNum);
+  WidenTail(ioRoot, ioTail, iNum);
+}
+
+void Cmn_ChunkyVecTree::WidenTail(Node & ioRoot, Leaf & ioTail, int iNum) const {
   int const first = ioTail.mNum;
-  mCopier.Copy(ioTail.At(first), iRecords, iNum);
   ioTail.mNum += iNum;
   ExtractKeys(ioTail, first, iNum);
   Summary const appended =

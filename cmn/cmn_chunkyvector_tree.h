@@ -169,6 +169,8 @@ public:
 
   /// Needs: room in the last leaf and an unshared path to it.
   void AppendToTail(Node & ioRoot, Leaf & ioTail, char const * iRecords, int iNum) const;
+  /// Takes up records that were written behind the last one. Needs: an unshared path.
+  void WidenTail(Node & ioRoot, Leaf & ioTail, int iNum) const;
   /// Needs: a higher tree. A count is added to the node, which goes behind all records.
   void AppendNode(Node *& ioRootP, Node & ioNode) const;
   void InsertIntoLeaf(Leaf & ioLeaf, int iOffset, char const * iRecord) const;

@@ -65,6 +65,18 @@ public:
     *oValue = byte != 0;
   }
 
+  /// Passes over bytes, also over ones that are not there: the next read then fails.
+  void Skip(long long iNumBytes) {
+    if (iNumBytes <= 0) return;
+    if (iNumBytes <= static_cast<long long>(mEnd - mNext)) {
+      mNext += static_cast<size_t>(iNumBytes);
+      return;
+    }
+    GiveBack();
+    mExpected -= iNumBytes;
+    mStream.SetPos(mStream.GetPos() + iNumBytes);
+  }
+
 private:
   void GiveBack() {
     if (mNext == mEnd) return;

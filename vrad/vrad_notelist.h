@@ -4,6 +4,7 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "cmn/cmn_chunkyvector.h"
 #include "cmn/cmn_xmlnode.h"
@@ -172,7 +173,7 @@ private:
   void ChangeNote(iterator iIter, Vrae_NoteWithDurationEvent const & iNew);
   std::pair<bool, iterator> FindNote(Time_Typed iTime,
                                      Vrae_NoteWithDurationEvent const & iEvent) const;
-  void ReadNotes(Sys_TypedInStream & ioStream, int iNum, int iVersion);
+  std::vector<int> ReadNotes(Sys_TypedInStream & ioStream, int iNum, int iVersion);
   void ReadOriginals(Sys_TypedInStream & ioStream, int iNum);
   void ReadMuteFlags(Sys_TypedInStream & ioStream, int iNum);
   void RegenerateLongNoteList();

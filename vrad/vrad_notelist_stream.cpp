@@ -6,6 +6,7 @@
 // muteFlags := count:int32  version:int16 = 1  size:int32  muteFlag[count]
 // muteFlag  := isMuted:bool  byte[size - 1]
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "cmn/cmn_assert.h"
@@ -29,18 +30,25 @@ constexpr int kDeltasBytes = 16;
 constexpr int kOriginalBytes = 11;
 constexpr short kMuteFlagVersion = 1;
 constexpr int kMuteFlagBytes = 1;
-constexpr int kNotesInRun = 256;
 
 Time_TypedLength LengthFromSaved(long long iWord) {
-  Time_TypedLength length;
-  length.SetFromRawSavedData(iWord);
-  return length;
+  long long count;
+  Time_EType type;
+  Time_TypedDefs::SetFromRawSavedData(iWord, &count, &type);
+  return Time_TypedLength(count, type);
 }
 
 Time_TypedLength ReadLength(Sys_BlockIn & ioBlock) {
   long long word;
   ioBlock.Read(&word);
   return LengthFromSaved(word);
+}
+
+// In the unit of the former.
+Time_TypedLength Difference(Time_TypedLength iFormer, Time_TypedLength iLatter) {
+  if (iFormer.GetType() != iLatter.GetType()) return iFormer -= iLatter;
+  return Time_TypedLength(Time_Saturating::Subtract(iFormer.AsInt64(), iLatter.AsInt64()),
+                          iFormer.GetType());
 }
 
 // What was long ago saved as no duration at all gets a short one.
@@ -72,12 +80,15 @@ void CheckRawNote(RawNote const & iRaw) {
     Vrad_ThrowBadData(kBadDataString);
 }
 
+// What was read is in range, so nothing is checked again.
 void SetFields(Vrae_NoteWithDurationEvent & oEvent, RawNote const & iRaw,
                Time_TypedLength iDuration) {
-  oEvent.SetPitch(iRaw.mPitch);
-  oEvent.SetDuration(iDuration);
-  oEvent.SetOnVelocity(iRaw.mOnVelocity);
-  oEvent.SetOffVelocity(iRaw.mOffVelocity);
+  auto & data = oEvent.mU.mNoteWithDuration;
+  data.mPitch = iRaw.mPitch;
+  data.mOnVelocity = iRaw.mOnVelocity;
+  data.mOffVelocity = iRaw.mOffVelocity;
+  data.mDuration = iDuration.AsInt64();
+  data.mDurationType = iDuration.GetType();
 }
 
 // Sets every field but the mute flag. The events are of kind 3 already.
@@ -90,18 +101,21 @@ void ReadNote(Sys_BlockIn & ioBlock, int iVersion, Note & oNote) {
   Time_TypedLength origDuration = duration;
   if (iVersion >= 2) {
     oNote.mQuantizeTimeDelta = ReadLength(ioBlock);
-    origDuration -= ReadLength(ioBlock);
-    origDuration = Repaired(origDuration);
+    origDuration = Repaired(Difference(duration, ReadLength(ioBlock)));
   } else {
     oNote.mQuantizeTimeDelta = Time_TypedLength(0, oNote.mTime.GetType());
   }
   SetFields(oNote.mOrigEvent, raw, origDuration);
 }
 
+Time_TypedLength DurationOf(Vrae_NoteWithDurationEvent const & iEvent) {
+  auto const & data = iEvent.mU.mNoteWithDuration;
+  return Time_TypedLength(data.mDuration, data.mDurationType);
+}
+
 void WriteNote(Sys_BlockOut & ioBlock, Note const & iNote) {
-  Time_TypedLength const duration = iNote.mEvent.GetDuration();
-  Time_TypedLength delta = duration;
-  delta -= iNote.mOrigEvent.GetDuration();
+  Time_TypedLength const duration = DurationOf(iNote.mEvent);
+  Time_TypedLength const delta = Difference(duration, DurationOf(iNote.mOrigEvent));
   ioBlock.Write(Vrae_SavedTime(iNote.mTime));
   ioBlock.Write(iNote.mEvent.GetPitch());
   ioBlock.Write(duration.GetRawDataForSave());
@@ -113,23 +127,46 @@ void WriteNote(Sys_BlockOut & ioBlock, Note const & iNote) {
 
 void WriteOriginal(Sys_BlockOut & ioBlock, Note const & iNote) {
   ioBlock.Write(iNote.mOrigEvent.GetPitch());
-  ioBlock.Write(iNote.mOrigEvent.GetDuration().GetRawDataForSave());
+  ioBlock.Write(DurationOf(iNote.mOrigEvent).GetRawDataForSave());
   ioBlock.Write(iNote.mOrigEvent.GetOnVelocity());
   ioBlock.Write(iNote.mOrigEvent.GetOffVelocity());
 }
 
-// Field by field, so that a record cut short sets what it has.
+// Field by field, so that a record cut short sets what it has. Only what differs is written and
+// checked: what is there is in range.
 void ReadOriginal(Sys_BlockIn & ioBlock, Vrae_NoteWithDurationEvent & ioEvent) {
+  auto const & data = ioEvent.mU.mNoteWithDuration;
   signed char value;
   ioBlock.Read(&value);
-  ioEvent.SetPitch(value);
-  Time_TypedLength const duration = ReadLength(ioBlock), former = ioEvent.GetDuration();
-  if (duration.AsInt64() != former.AsInt64() || duration.GetType() != former.GetType())
+  if (value != data.mPitch) ioEvent.SetPitch(value);
+  Time_TypedLength const duration = ReadLength(ioBlock);
+  if (duration.AsInt64() != data.mDuration || duration.GetType() != data.mDurationType)
     ioEvent.SetDuration(duration);
   ioBlock.Read(&value);
-  ioEvent.SetOnVelocity(value);
+  if (value != data.mOnVelocity) ioEvent.SetOnVelocity(value);
   ioBlock.Read(&value);
-  ioEvent.SetOffVelocity(value);
+  if (value != data.mOffVelocity) ioEvent.SetOffVelocity(value);
+}
+
+// Builds notes right behind the last one, as many as there is room for, up to a number of all.
+// `iRead` is given a blank note and its index; what comes before one that it refuses stays.
+template <class TNotes, class TRead>
+void FillTail(TNotes & ioNotes, int iNumOfAll, TRead iRead) {
+  Note const blank;
+  int const first = ioNotes.Size();
+  Note * notes;
+  int const room = std::min(ioNotes.OpenTail(&notes), iNumOfAll - first);
+  int num = 0;
+  try {
+    for (; num < room; ++num) {
+      std::memcpy(static_cast<void *>(notes + num), &blank, sizeof(Note));
+      iRead(notes[num], first + num);
+    }
+  } catch (...) {
+    ioNotes.CloseTail(num);
+    throw;
+  }
+  ioNotes.CloseTail(num);
 }
 
 // Calls for each note in order of the store.
@@ -167,35 +204,32 @@ void Vrad_NoteListBase::StreamIn(Sys_TypedInStream & ioStream) {
   int num;
   ioStream.Read(&num);
   if (num < 0) Vrad_ThrowBadData(kBadDataString);
-  ReadNotes(ioStream, num, version);
+  std::vector<int> const longNotes = ReadNotes(ioStream, num, version);
   if (version >= 3 && header.IsMoreLeft()) ReadOriginals(ioStream, num);
-  RegenerateLongNoteList();
+  for (int const index : longNotes)
+    mLongNoteListP->AddNote(mNotes.ReadAt(index));
   if (header.IsMoreLeft()) ReadMuteFlags(ioStream, num);
   header.SkipTheRest();
 }
 
-// In runs, of which whole chunks of the store are made. What comes before a bad note stays.
-void Vrad_NoteListBase::ReadNotes(Sys_TypedInStream & ioStream, int iNum, int iVersion) {
+// Gives the places of the long notes, if there is a list for them.
+std::vector<int> Vrad_NoteListBase::ReadNotes(Sys_TypedInStream & ioStream, int iNum,
+                                              int iVersion) {
   int const noteBytes = kFirstNoteBytes + (iVersion >= 2 ? kDeltasBytes : 0);
   Sys_BlockIn in(ioStream, static_cast<long long>(iNum) * noteBytes);
-  std::vector<Note> run;
-  int numRead = 0;
-  auto const store = [this, &run, &numRead] {
-    mNotes.Insert(mNotes.End(), numRead, run.data());
-    numRead = 0;
+  std::vector<int> longNotes;
+  auto const read = [&](Note & oNote, int iIndex) {
+    ReadNote(in, iVersion, oNote);
+    if (mLongNoteListP && IsLong(oNote.mEvent)) longNotes.push_back(iIndex);
   };
-  try {
-    for (int i = 0; i < iNum; ++i) {
-      size_t const place = static_cast<size_t>(numRead);
-      if (place == run.size()) run.emplace_back();
-      ReadNote(in, iVersion, run[place]);
-      if (++numRead == kNotesInRun) store();
-    }
-  } catch (...) {
-    store();
-    throw;
+  while (mNotes.Size() < iNum) {
+    FillTail(mNotes, iNum, read);
+    if (mNotes.Size() == iNum) break;
+    Note note;  // the first of a chunk, which makes room for the others
+    read(note, mNotes.Size());
+    mNotes.PushBack(note);
   }
-  store();
+  return longNotes;
 }
 
 void Vrad_NoteListBase::ReadOriginals(Sys_TypedInStream & ioStream, int iNum) {
@@ -206,7 +240,7 @@ void Vrad_NoteListBase::ReadOriginals(Sys_TypedInStream & ioStream, int iNum) {
   if (size != kOriginalBytes) return;
   Sys_BlockIn in(ioStream, static_cast<long long>(iNum) * kOriginalBytes);
   Note * notes;
-  for (int i = 0, span; (span = mNotes.GetWritableSpan(i, &notes)) > 0; i += span)
+  for (int i = 0, span; (span = mNotes.GetSpanBesideKeys(i, &notes)) > 0; i += span)
     for (Note * noteP = notes; noteP != notes + span; ++noteP)
       ReadOriginal(in, noteP->mOrigEvent);
 }
@@ -220,10 +254,14 @@ void Vrad_NoteListBase::ReadMuteFlags(Sys_TypedInStream & ioStream, int iNum) {
   ioStream.Read(&version);
   ioStream.Read(&size);
   if (version < kMuteFlagVersion) return;
-  for (int i = 0; i < iNum; ++i) {
-    bool isMuted;
-    ioStream.Read(&isMuted);
-    if (isMuted) mNotes[i].mMuted = true;
-    if (size > kMuteFlagBytes) ioStream.SetPos(ioStream.GetPos() + size - kMuteFlagBytes);
+  Sys_BlockIn in(ioStream, static_cast<long long>(iNum) * std::max(size, kMuteFlagBytes));
+  Note * notes;
+  for (int i = 0, span; (span = mNotes.GetSpanBesideKeys(i, &notes)) > 0; i += span) {
+    for (Note * noteP = notes; noteP != notes + span; ++noteP) {
+      bool isMuted;
+      in.Read(&isMuted);
+      if (isMuted) noteP->mMuted = true;
+      in.Skip(size - kMuteFlagBytes);
+    }
   }
 }

@@ -62,7 +62,8 @@ Vrae_SubStream AnySubStream() {
 void AddAnyValues(Vrad_Chunk & ioChunk) {
   Vrae_SubStream const subStream = AnySubStream();
   Vrae_SubStream_ValueRange const range = subStream.GetValueRange();
-  Time_EType const unit = AnyUnit();
+  // One unit for each stream: counts that fall are not saved.
+  Time_EType const unit = subStream.GetIndex() % 2 == 0 ? Time_eType_Samples : Time_eType_Ticks;
   int const num = *rc::gen::inRange(0, 12);
   for (int i = 0; i < num; ++i)
     ioChunk.AddEvent(
