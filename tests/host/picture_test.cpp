@@ -175,6 +175,15 @@ TEST(Host_DrawPicture, DrawsLanesOfEveryKind) {
   EXPECT_EQ(ColourOf(svg, PathOf(500, 271, 502, 299)), "196,112,24");
 }
 
+TEST(Host_DrawPicture, DrawsBendsFromTheMiddle) {
+  OneBar picture;
+  picture.Chunk().AddEvent(BendAt(Ticks(0), -127));
+  picture.Chunk().AddEvent(BendAt(Ticks(960000), 127));
+  std::string const svg = picture.DrawSVG();
+  EXPECT_EQ(ColourOf(svg, PathOf(100, 114, 500, 128)), "205,232,227");
+  EXPECT_EQ(ColourOf(svg, PathOf(500, 102, 1700, 115)), "205,232,227");
+}
+
 TEST(Host_DrawPicture, FailsOnTextThatIsNotUTF8) {
   OneBar picture;
   picture.mPicture.mTitle = "\xff";

@@ -352,6 +352,14 @@ TEST(Host_PictureContents, BeginsWithTheValueThatHoldsAtTheLeftEdge) {
   EXPECT_EQ(PrintLanes(picture.Contents()), "volume 50=25 150=75");
 }
 
+TEST(Host_PictureContents, AValueAtTheLeftEdgeReplacesTheOneBefore) {
+  PictureOfOneClip picture;
+  picture.mPicture.mFrom = Time_Tick(100);
+  for (long long tick : {50, 100, 150})
+    picture.Chunk().AddEvent(ControllerAt(Ticks(tick), 7, static_cast<int>(tick / 2)));
+  EXPECT_EQ(PrintLanes(picture.Contents()), "volume 100=50 150=75");
+}
+
 TEST(Host_PictureContents, HasOneLaneForThePressuresOfAllKeys) {
   PictureOfOneClip picture;
   for (int pitch : {61, 60})
