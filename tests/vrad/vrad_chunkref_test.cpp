@@ -20,7 +20,6 @@ Vrad_Chunk * NewChunk(Ndo_Object::EUndoFlag iFlag = Ndo_Object::kNotUndoable) {
   return Vrad_Chunk::New(iFlag, false);
 }
 
-
 Vrad_NoteListBase_Note FirstNote(Vrad_ChunkRef const & iRef) {
   return *Vrad_NoteListBase::FullNotesInRangeIter(iRef->GetNoteList());
 }
