@@ -1,8 +1,7 @@
 // vrad jump
 #pragma once
 
-#include <optional>
-#include <string>
+#include "tools/vrad/tool_way.h"
 
 namespace CLI {
 class App;
@@ -10,10 +9,7 @@ class App;
 
 /// The events that turn the state at one position into the state at another.
 struct Tool_JumpCommand {
-  std::string mFile;
-  std::string mFrom, mTo;
-  std::optional<std::string> mClip;
-  std::string mAs = "text";
+  Tool_WayOptions mWay;
 
   /// The options write to this object, which must outlive ioApp. Gives the command's part of it.
   CLI::App * AddTo(CLI::App & ioApp);

@@ -14,6 +14,7 @@
 #include "tools/vrad/command_jump.h"
 #include "tools/vrad/command_picture.h"
 #include "tools/vrad/command_play.h"
+#include "tools/vrad/command_scrub.h"
 #include "tools/vrad/command_state.h"
 #include "tools/vrad/command_wire.h"
 #include "tools/vrad/tool_error.h"
@@ -24,7 +25,8 @@ namespace {
 
 // In the order in which the help lists them.
 typedef std::tuple<Tool_InfoCommand, Tool_EventsCommand, Tool_WireCommand, Tool_StateCommand,
-                   Tool_JumpCommand, Tool_PlayCommand, Tool_DumpCommand, Tool_PictureCommand>
+                   Tool_JumpCommand, Tool_PlayCommand, Tool_DumpCommand, Tool_PictureCommand,
+                   Tool_ScrubCommand>
     Commands;
 
 struct Entry {

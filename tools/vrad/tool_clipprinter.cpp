@@ -45,6 +45,12 @@ void Tool_ClipPrinter::Print(Tool_WireMessage const & iMessage) {
   Tool_PrintWireAsText(mOut, mBars, iMessage);
 }
 
+void Tool_ClipPrinter::Print(Tool_PassedTransition const & iTransition) {
+  if (!mIsText) return Tool_PrintScrubAsJSON(mOut, mSource, iTransition);
+  PrintHeading();
+  Tool_PrintScrubAsText(mOut, mBars, iTransition);
+}
+
 void Tool_ClipPrinter::EndClip() {
   if (mIsText && mIsEmpty) mOut.Print("{:>14}\n", "nothing");
   mNumNotesDone += CountNotes(mSong, mSource.mClip);

@@ -8,6 +8,7 @@
 #include "tools/vrad/tool_event.h"
 #include "tools/vrad/tool_output.h"
 #include "tools/vrad/tool_progress.h"
+#include "tools/vrad/tool_scrub.h"
 #include "tools/vrad/tool_wire.h"
 #include "vrad/vrae_trackstate.h"
 
@@ -25,6 +26,7 @@ public:
   void Expect(size_t iNumPrints) { mNumExpected = iNumPrints; }
   void Print(Tool_RetrievedEvent const & iEvent);
   void Print(Tool_WireMessage const & iMessage);
+  void Print(Tool_PassedTransition const & iTransition);
   void EndClip();
 
   /// Call at the end of a command.
