@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "host/host_playedclips.h"
 #include "host/host_playposition.h"
@@ -41,19 +42,19 @@ private:
   long long LoopStart() const { return SampleFrom0(mLoopFrom); }
   long long LoopEnd() const { return SampleFrom0(mLoopTo); }
 
-  void FollowTempo();
+  long long GetSample() const;
   void ApplyCommands();
   void Wrap();
   void Move(EMove iMove, Host_PlayPosition const & iTo);
   void Play(int iNumSamples);
   void PlayTo(long long iSample, int iOffset);
 
-  bool mIsWrapDue = false;  // at the loop's end, and what wrapping sends is still to be sent
+  bool mIsWrapDue = false;  // it has come to the loop's end, and still has to go back
 };
 
 Time_Sample Host_BlockPlayer::Impl::GetPosition() const {
   if (mLocation) return Time_Sample(SampleFrom0(*mLocation));
-  return Time_Sample(mIsWrapDue && IsLooping() ? LoopStart() : mPosition.mSample);
+  return Time_Sample(mIsWrapDue && IsLooping() ? LoopStart() : GetSample());
 }
 
 void Host_BlockPlayer::Impl::Process(int iNumSamples) {
@@ -61,30 +62,33 @@ void Host_BlockPlayer::Impl::Process(int iNumSamples) {
   Host_BlockReceiver * const receiverP = mClips.GetOutput().GetReceiver();
   if (receiverP) receiverP->BeginBlock(numSamples);
   mClips.GetOutput().SetOffset(0);
-  FollowTempo();
+  mPosition.mSample = GetSample();
   ApplyCommands();
   if (mShallPlay) Play(numSamples);
   if (receiverP) receiverP->EndBlock();
 }
 
 // Clips have been read up to a tick, so that is what stays when the tempo is another.
-void Host_BlockPlayer::Impl::FollowTempo() {
-  if (Host_PlayPosition::At(mPosition.mSample).mTick != mPosition.mTick)
-    mPosition.mSample = Host_PlayPosition::SampleOf(mPosition.mTick);
+long long Host_BlockPlayer::Impl::GetSample() const {
+  bool const isAsBefore = Host_PlayPosition::At(mPosition.mSample).mTick == mPosition.mTick;
+  return isAsBefore ? mPosition.mSample : Host_PlayPosition::SampleOf(mPosition.mTick);
 }
 
 void Host_BlockPlayer::Impl::ApplyCommands() {
-  Host_PlayPosition const to =
-      mLocation ? Host_PlayPosition::At(SampleFrom0(*mLocation)) : mPosition;
-  bool const isLocated = mLocation.has_value();
+  bool const isWrapDue = std::exchange(mIsWrapDue, false) && IsLooping();
+  if (!mLocation) {
+    if (isWrapDue)
+      Wrap();
+    else
+      Move(EMove::kNone, mPosition);
+    return;
+  }
+  auto const to = Host_PlayPosition::At(SampleFrom0(*mLocation));
   mLocation.reset();
-  if (to.mSample != mPosition.mSample)
-    Move(EMove::kJump, to);
-  else if (!isLocated && mIsWrapDue && IsLooping())
-    Wrap();
-  else
+  if (to.mSample == mPosition.mSample)
     Move(EMove::kNone, mPosition);
-  mIsWrapDue = false;
+  else
+    Move(EMove::kJump, to);
 }
 
 void Host_BlockPlayer::Impl::Wrap() {
@@ -105,12 +109,11 @@ void Host_BlockPlayer::Impl::Play(int iNumSamples) {
     if (isAheadOfEnd) length = std::min(length, LoopEnd() - mPosition.mSample);
     PlayTo(mPosition.mSample + length, offset);
     offset += static_cast<int>(length);
-    mIsWrapDue = isAheadOfEnd && mPosition.mSample >= LoopEnd();
-    if (mIsWrapDue && offset < iNumSamples) {
-      mClips.GetOutput().SetOffset(offset);
-      Wrap();
-      mIsWrapDue = false;
-    }
+    if (!isAheadOfEnd || mPosition.mSample < LoopEnd()) continue;
+    mIsWrapDue = offset == iNumSamples;
+    if (mIsWrapDue) return;  // what going back sends comes with the next block
+    mClips.GetOutput().SetOffset(offset);
+    Wrap();
   }
 }
 

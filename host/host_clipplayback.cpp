@@ -196,12 +196,16 @@ void Host_ClipPlayback::SendNoteOff(Vrae_NoteInProgress const & iNote, Host_Wire
   ioOutput.Send(Vrae_NoteOffEvent(iNote.mPitch, iNote.mOffVelocity), OriginAt(iTime));
 }
 
+// A receiver ends all notes of a pitch with one note-off, as often as not.
 void Host_ClipPlayback::EndRinging(signed char iPitch, Host_WireOutput & ioOutput,
                                    Time_Typed iTime) {
   Vrae_NoteInProgress const * noteP = mRinging.NextNoteOff();
-  while (noteP && noteP->mPitch != iPitch)
-    noteP = noteP->mNextP;
-  if (!noteP) return;
-  SendNoteOff(*noteP, ioOutput, iTime);
-  mRinging.ReceiveEvent(Vrae_NoteOffEvent(iPitch, 0));
+  while (noteP) {
+    Vrae_NoteInProgress const * const nextP = noteP->mNextP;
+    if (noteP->mPitch == iPitch) {
+      SendNoteOff(*noteP, ioOutput, iTime);
+      mRinging.ReceiveEvent(Vrae_NoteOffEvent(iPitch, 0));  // the first one left, which is this
+    }
+    noteP = nextP;
+  }
 }

@@ -70,7 +70,8 @@ public:
   /// In place of ending and striking: notes of a pitch that sounds before and after go on, under
   /// the new end; the other ones of before end.
   void ReconcileNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition);
-  /// The same, but the other ones ring on for as long as they had left.
+  /// In place of ending and striking: notes that sound before and after go on, and the other ones
+  /// of before ring on for as long as they had left.
   void WrapNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
                  Host_PlayPosition const & iTo);
 
@@ -112,8 +113,9 @@ private:
               Vrae_NoteWithDurationEvent const & iNote);
   void FindSounding(Host_PlayPosition const & iPosition, Vrae_TrackState & oNotes);
   bool IsPlayed(Vrad_NoteListBase_Note const & iNote) const;
-  template <class TEnd>
-  void ReplaceNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iPosition, TEnd iEnd);
+  void RingOn(Vrae_NoteInProgress const & iNote, Host_WireOutput & ioOutput,
+              Host_PlayPosition const & iFrom, Host_PlayPosition const & iTo);
+  void TakeOtherNotes();
   void ChaseProgram(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
                     Host_PlayPosition const & iTo, Vrae_ChaseTracker & ioScratch);
   void SendNote(Vrae_TimedEvent const & iEvent, Host_WireOutput & ioOutput);

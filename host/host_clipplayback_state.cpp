@@ -45,6 +45,36 @@ bool IsMuted(Vrad_NoteListBase * iListP, Vrad_NoteListBase_Note const & iNote) {
   return false;
 }
 
+bool AreAlike(Vrae_NoteInProgress const & iA, Vrae_NoteInProgress const & iB) {
+  return iA.mPitch == iB.mPitch && iA.mOnVelocity == iB.mOnVelocity &&
+         iA.mOffVelocity == iB.mOffVelocity;
+}
+
+// Among those that end with the note, from iFirstP to iLastP, the latter left out.
+int CountAlike(Vrae_NoteInProgress const * iFirstP, Vrae_NoteInProgress const * iLastP,
+               Vrae_NoteInProgress const & iNote) {
+  int num = 0;
+  for (; iFirstP != iLastP && iFirstP->mReleaseTime == iNote.mReleaseTime;
+       iFirstP = iFirstP->mNextP)
+    if (AreAlike(*iFirstP, iNote)) ++num;
+  return num;
+}
+
+// The notes of a list, in order of release, that another one does not have, be it for one of
+// several alike.
+template <class TNoteFound>
+void ForEachNotIn(Vrae_TrackState const & iOther, Vrae_TrackState const & iNotes,
+                  TNoteFound iFound) {
+  Vrae_NoteInProgress const * otherP = iOther.NextNoteOff();
+  Vrae_NoteInProgress const * firstP = iNotes.NextNoteOff();  // that ends with the note
+  for (Vrae_NoteInProgress const * noteP = firstP; noteP; noteP = noteP->mNextP) {
+    while (otherP && otherP->mReleaseTime < noteP->mReleaseTime)
+      otherP = otherP->mNextP;
+    if (firstP->mReleaseTime != noteP->mReleaseTime) firstP = noteP;
+    if (CountAlike(firstP, noteP, *noteP) >= CountAlike(otherP, nullptr, *noteP)) iFound(*noteP);
+  }
+}
+
 }  // namespace
 
 void Host_ClipPlayback::EndNotes(Host_WireOutput & ioOutput, Time_Typed iTime) {
@@ -97,6 +127,7 @@ bool Host_ClipPlayback::HasTold(Vrae_Event const & iEvent) const {
 void Host_ClipPlayback::ChaseValues(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
                                     Host_PlayPosition const & iTo, bool iHasSelections,
                                     Vrae_ChaseTracker & ioScratch) {
+  if (!mIsEngaged) mTold.Clear();  // other clips may have used the channel since
   ioScratch.Clear();
   AddChaseState(ioScratch, iTo, iHasSelections);
   ChaseProgram(ioOutput, iFrom, iTo, ioScratch);
@@ -155,42 +186,48 @@ void Host_ClipPlayback::StrikeNotes(Host_WireOutput & ioOutput,
     Strike(noteP->mPitch, noteP->mOnVelocity, ioOutput, iPosition.mTick);
 }
 
-template <class TEnd>
-void Host_ClipPlayback::ReplaceNotes(Host_WireOutput & ioOutput,
-                                     Host_PlayPosition const & iPosition, TEnd iEnd) {
-  int numToStrike[kNumPitches] = {};
-  FindSounding(iPosition, OtherNotes());
-  for (auto const * noteP = OtherNotes().NextNoteOff(); noteP; noteP = noteP->mNextP)
-    ++numToStrike[noteP->mPitch];
-  for (auto const * noteP = Notes().NextNoteOff(); noteP; noteP = noteP->mNextP) {
-    if (numToStrike[noteP->mPitch] > 0)
-      --numToStrike[noteP->mPitch];
-    else
-      iEnd(*noteP);
-  }
-  for (auto const * noteP = OtherNotes().NextNoteOff(); noteP; noteP = noteP->mNextP)
-    if (numToStrike[noteP->mPitch]-- > 0)
-      Strike(noteP->mPitch, noteP->mOnVelocity, ioOutput, iPosition.mTick);
-  Notes().Clear();
-  mCurrent = 1 - mCurrent;
-}
-
+// A note that is in both lists goes on. Of what is left of a pitch as many go on as are left in
+// both: their ends have changed.
 void Host_ClipPlayback::ReconcileNotes(Host_WireOutput & ioOutput,
                                        Host_PlayPosition const & iPosition) {
-  ReplaceNotes(ioOutput, iPosition, [&](Vrae_NoteInProgress const & iNote) {
-    SendNoteOff(iNote, ioOutput, iPosition.mTick);
+  FindSounding(iPosition, OtherNotes());
+  int numAfter[kNumPitches] = {}, numBefore[kNumPitches] = {};
+  ForEachNotIn(Notes(), OtherNotes(),
+               [&](Vrae_NoteInProgress const & iNote) { ++numAfter[iNote.mPitch]; });
+  ForEachNotIn(OtherNotes(), Notes(), [&](Vrae_NoteInProgress const & iNote) {
+    if (++numBefore[iNote.mPitch] > numAfter[iNote.mPitch])
+      SendNoteOff(iNote, ioOutput, iPosition.mTick);
   });
+  ForEachNotIn(Notes(), OtherNotes(), [&](Vrae_NoteInProgress const & iNote) {
+    if (--numBefore[iNote.mPitch] < 0)
+      Strike(iNote.mPitch, iNote.mOnVelocity, ioOutput, iPosition.mTick);
+  });
+  TakeOtherNotes();
 }
 
 void Host_ClipPlayback::WrapNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
                                   Host_PlayPosition const & iTo) {
   mRinging.OffsetTimes(iTo.mTick - iFrom.mTick);
-  ReplaceNotes(ioOutput, iTo, [&](Vrae_NoteInProgress const & iNote) {
-    Time_TypedLength const rest = iNote.mReleaseTime - iFrom.mTick;
-    bool const ringsOn = rest.AsInt64() > 0 &&
-                         Follow(mRinging, iTo.mTick,
-                                Vrae_NoteWithDurationEvent(iNote.mPitch, rest, iNote.mOnVelocity,
-                                                           iNote.mOffVelocity));
-    if (!ringsOn) SendNoteOff(iNote, ioOutput, iFrom.mTick);
+  FindSounding(iTo, OtherNotes());
+  ForEachNotIn(OtherNotes(), Notes(),
+               [&](Vrae_NoteInProgress const & iNote) { RingOn(iNote, ioOutput, iFrom, iTo); });
+  ForEachNotIn(Notes(), OtherNotes(), [&](Vrae_NoteInProgress const & iNote) {
+    Strike(iNote.mPitch, iNote.mOnVelocity, ioOutput, iTo.mTick);
   });
+  TakeOtherNotes();
+}
+
+void Host_ClipPlayback::RingOn(Vrae_NoteInProgress const & iNote, Host_WireOutput & ioOutput,
+                               Host_PlayPosition const & iFrom, Host_PlayPosition const & iTo) {
+  Time_TypedLength const rest = iNote.mReleaseTime - iFrom.mTick;
+  bool const isFollowed =
+      rest.AsInt64() > 0 &&
+      Follow(mRinging, iTo.mTick,
+             Vrae_NoteWithDurationEvent(iNote.mPitch, rest, iNote.mOnVelocity, iNote.mOffVelocity));
+  if (!isFollowed) SendNoteOff(iNote, ioOutput, iFrom.mTick);
+}
+
+void Host_ClipPlayback::TakeOtherNotes() {
+  Notes().Clear();
+  mCurrent = 1 - mCurrent;
 }

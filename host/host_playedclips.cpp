@@ -49,9 +49,10 @@ bool Host_PlayedClips::Add(Vrad_Chunk * iChunkP, int iChannel, int iClip,
   auto clipP = std::make_unique<Host_ClipPlayback>(iChunkP, std::max(iChannel, 0), iClip);
   clipP->Prepare(iPosition);
   mWaiting.reserve(mClips.size() + 1);
+  int const channel = clipP->GetChannel();
+  for (auto const & otherP : mClips)
+    if (IsOn(channel, *otherP)) ChannelOf(*otherP).mIsShared = true;
   mClips.push_back(std::move(clipP));
-  int const channel = mClips.back()->GetChannel();
-  ++ChannelOf(*mClips.back()).mNumClips;
   ReserveParameters(channel);
   return true;
 }
@@ -75,10 +76,8 @@ void Host_PlayedClips::SetMuted(Host_ClipPlayback & ioClip, bool iIsMuted) {
 
 // One that still sounds stays until a block has ended it.
 void Host_PlayedClips::DropAbandoned() {
-  std::erase_if(mClips, [this](std::unique_ptr<Host_ClipPlayback> const & iClipP) {
-    if (!iClipP->IsAbandoned() || iClipP->IsEngaged()) return false;
-    --ChannelOf(*iClipP).mNumClips;
-    return true;
+  std::erase_if(mClips, [](std::unique_ptr<Host_ClipPlayback> const & iClipP) {
+    return iClipP->IsAbandoned() && !iClipP->IsEngaged();
   });
 }
 
@@ -169,7 +168,7 @@ void Host_PlayedClips::EnterStates(Change const & iChange) {
                          ChannelOf(*clipP).mParameters.HasSelections(), mScratch);
   for (int i = 0; i < Host_WireOutput::kNumChannels; ++i) {
     Channel const & channel = mChannels[static_cast<size_t>(i)];
-    if (channel.mIsTouched && channel.mNumClips > 1) ChaseSharedValues(i, iChange.mTo);
+    if (channel.mIsTouched && channel.mIsShared) ChaseSharedValues(i, iChange.mTo);
     if (channel.mIsTouched && mShallPlay && mOutput.HasReceiver()) ChaseParameters(i, iChange);
   }
   for (auto const & clipP : mClips)

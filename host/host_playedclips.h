@@ -55,7 +55,7 @@ public:
 
 private:
   struct Channel {
-    int mNumClips = 0;
+    bool mIsShared = false;       // by several clips, now or before
     bool mIsTouched = false;      // by the change that is being made
     bool mWasEngaged = false;     // one of its clips was, before the change
     bool mIsStale = false;        // the parameters must be merged anew
