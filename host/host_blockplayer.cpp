@@ -43,6 +43,7 @@ private:
   long long LoopEnd() const { return SampleFrom0(mLoopTo); }
 
   long long GetSample() const;
+  void FollowTempo();
   void ApplyCommands();
   void Wrap();
   void Move(EMove iMove, Host_PlayPosition const & iTo);
@@ -62,7 +63,7 @@ void Host_BlockPlayer::Impl::Process(int iNumSamples) {
   Host_BlockReceiver * const receiverP = mClips.GetOutput().GetReceiver();
   if (receiverP) receiverP->BeginBlock(numSamples);
   mClips.GetOutput().SetOffset(0);
-  mPosition.mSample = GetSample();
+  FollowTempo();
   ApplyCommands();
   if (mShallPlay) Play(numSamples);
   if (receiverP) receiverP->EndBlock();
@@ -72,6 +73,13 @@ void Host_BlockPlayer::Impl::Process(int iNumSamples) {
 long long Host_BlockPlayer::Impl::GetSample() const {
   bool const isAsBefore = Host_PlayPosition::At(mPosition.mSample).mTick == mPosition.mTick;
   return isAsBefore ? mPosition.mSample : Host_PlayPosition::SampleOf(mPosition.mTick);
+}
+
+void Host_BlockPlayer::Impl::FollowTempo() {
+  long long const sample = GetSample();
+  if (sample == mPosition.mSample) return;
+  mClips.MovePosition(sample - mPosition.mSample);
+  mPosition.mSample = sample;
 }
 
 void Host_BlockPlayer::Impl::ApplyCommands() {

@@ -64,6 +64,12 @@ int RankOf(Vrae_TimedEvent const & iEvent) {
   return Host_GetParameterRank(iEvent.mEvent.mU.mController.mControllerNumber);
 }
 
+// The note that ends first, if it does so before the time.
+Vrae_NoteInProgress const * FindDue(Vrae_TrackState const & iNotes, Time_Typed iEnd) {
+  Vrae_NoteInProgress const * const noteP = iNotes.NextNoteOff();
+  return noteP && noteP->mReleaseTime < iEnd ? noteP : nullptr;
+}
+
 bool ArePlayedAlike(Vrae_TimedEvent const & iA, Vrae_TimedEvent const & iB) {
   return iA.mTime == iB.mTime && iA.mEvent.GetPlaybackPriority() == iB.mEvent.GetPlaybackPriority();
 }
@@ -101,8 +107,10 @@ void Host_ClipPlayback::BeginStretch(Host_PlayStretch const & iStretch) {
   Time_Typed const start = ClipTime(iStretch.mFrom);
   mChunkP->GetMidiEventsInRange(&list, Time_TickLength(0), start, ClipTime(iStretch.mTo),
                                 Time_Typed::MinTime(Time_eType_Ticks),
-                                Time_Typed::MaxTime(Time_eType_Ticks), false, nullptr, nullptr, all,
+                                Time_Typed::MaxTime(Time_eType_Ticks), false,
+                                mAreValuesChased ? &mTold : nullptr, &Host_GetChaseMap(), all,
                                 nullptr, true, 0, kNoteOffInclusion_None);
+  mAreValuesChased = false;
   // The retrieval begins with the sample in which the start lies. After a change of tempo that may
   // have been played in part.
   while (mNextEvent < mEvents.size() && mEvents[mNextEvent].mTime < start)
@@ -120,15 +128,13 @@ void Host_ClipPlayback::SortParameters() {
 }
 
 bool Host_ClipPlayback::FindNext() {
-  Time_Typed const end = ClipTime(mStretch.mTo);
-  Vrae_NoteInProgress const * noteP = Notes().NextNoteOff();
+  Vrae_NoteInProgress const * noteP = FindDue(Notes(), ClipTime(mStretch.mTo));
+  Vrae_NoteInProgress const * const ringingP = FindDue(mRinging, Time_Sample(mStretch.mTo.mSample));
   mNext = ENext::kNoteOff;
-  Vrae_NoteInProgress const * const ringingP = mRinging.NextNoteOff();
   if (ringingP && (!noteP || ringingP->mReleaseTime <= noteP->mReleaseTime)) {
     noteP = ringingP;
     mNext = ENext::kRingingNoteOff;
   }
-  if (noteP && !(noteP->mReleaseTime < end)) noteP = nullptr;
   bool const isEvent = mNextEvent < mEvents.size();
   if (!noteP && !isEvent) return false;
 

@@ -58,8 +58,8 @@ public:
 
   // Entering a state, in this order.
 
-  /// Brings the followed values to those before the position, the program first. All of them if it
-  /// was not engaged, else what differs from those of the position that was left.
+  /// Brings the followed values to those of the position, what comes there included, the program
+  /// first. All of them if it was not engaged, else what differs from the position that was left.
   /// `iHasSelections`: the channel has parameters, whose data are no plain controllers then.
   void ChaseValues(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
                    Host_PlayPosition const & iTo, bool iHasSelections,
@@ -75,12 +75,15 @@ public:
   void WrapNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
                  Host_PlayPosition const & iTo);
 
-  /// Adds what the clip holds before the position.
+  /// Follows a position that moves while time does not.
+  void MoveRinging(long long iNumSamples);
+
+  /// Adds what the clip holds up to the position.
   void AddChaseState(Vrae_ChaseTracker & ioTracker, Host_PlayPosition const & iPosition,
                      bool iHasSelections) const;
   /// Whether the receiver was told this value for the clip.
   bool HasTold(Vrae_Event const & iEvent) const;
-  /// The program that stands before the position, with its bank. `iEvent`: as the clip has it.
+  /// The program that stands at the position, with its bank. `iEvent`: as the clip has it.
   void SendProgram(Vrae_Event const & iEvent, Host_WireOutput & ioOutput,
                    Host_PlayPosition const & iPosition);
   void SendEvent(Vrae_Event const & iEvent, Host_WireOutput & ioOutput, Time_Typed iTime);
@@ -132,7 +135,7 @@ private:
 
   Vrae_TrackState mNotes[2];  // what sounds, and a spare one that is empty between calls
   int mCurrent = 0;
-  Vrae_TrackState mRinging;  // what sounds from an earlier pass of a loop
+  Vrae_TrackState mRinging;  // what sounds from an earlier pass of a loop; ends in samples
   Vrae_ChaseTracker mTold;   // what the receiver was told for this clip
   Host_ParameterList mParameters;
   Host_ProgramChase mPrograms;
@@ -140,6 +143,7 @@ private:
 
   Vrae_TimedEventList mEvents;  // of the stretch; room for those of any stretch
   size_t mNextEvent = 0;
+  bool mAreValuesChased = false;  // those that come where the next stretch begins have been sent
   Host_PlayStretch mStretch;
   ENext mNext = ENext::kEvent;
   Time_Typed mNextTime;

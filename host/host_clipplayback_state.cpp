@@ -27,6 +27,11 @@ bool IsToldDown(Vrae_ChaseTracker const & iTold, Vrae_SubStream const & iPedal) 
   return iTold.GetChasingEntry(&entry, iPedal) && entry.mIsActive && entry.mValue != 0;
 }
 
+void ForgetParameters(Vrae_ChaseTracker & ioTracker) {
+  for (signed char const number : kHost_ParameterControllers)
+    ioTracker.ClearActiveFlag(Vrae_SubStream::Controller(number));
+}
+
 // The copies that the library keeps of long notes do not always know whether they are muted.
 bool IsMuted(Vrad_NoteListBase * iListP, Vrad_NoteListBase_Note const & iNote) {
   Time_TypedLength const duration = iNote.mEvent.GetDuration();
@@ -109,12 +114,9 @@ void Host_ClipPlayback::ForgetReceiver() {
 void Host_ClipPlayback::AddChaseState(Vrae_ChaseTracker & ioTracker,
                                       Host_PlayPosition const & iPosition,
                                       bool iHasSelections) const {
-  // What stands at the position itself is still to be played.
-  Time_Typed const last = iPosition.mTick - Time_TickLength(1);
-  mChunkP->AddChaseStateAtTime(&ioTracker, last, Time_Typed::MinTime(Time_eType_Ticks));
-  if (!iHasSelections) return;
-  for (signed char const number : kHost_ParameterControllers)
-    ioTracker.ClearActiveFlag(Vrae_SubStream::Controller(number));
+  mChunkP->AddChaseStateAtTime(&ioTracker, ClipTime(iPosition),
+                               Time_Typed::MinTime(Time_eType_Ticks));
+  if (iHasSelections) ForgetParameters(ioTracker);
 }
 
 bool Host_ClipPlayback::HasTold(Vrae_Event const & iEvent) const {
@@ -128,9 +130,12 @@ void Host_ClipPlayback::ChaseValues(Host_WireOutput & ioOutput, Host_PlayPositio
                                     Host_PlayPosition const & iTo, bool iHasSelections,
                                     Vrae_ChaseTracker & ioScratch) {
   if (!mIsEngaged) mTold.Clear();  // other clips may have used the channel since
+  // Those come step by step, however often alike.
+  if (iHasSelections) ForgetParameters(mTold);
   ioScratch.Clear();
   AddChaseState(ioScratch, iTo, iHasSelections);
   ChaseProgram(ioOutput, iFrom, iTo, ioScratch);
+  mAreValuesChased = true;
   ClipReceiver receiver(*this, ioOutput, iTo.mTick);
   if (!mIsEngaged) {
     ioScratch.Prep(&receiver);
@@ -150,7 +155,7 @@ void Host_ClipPlayback::ChaseProgram(Host_WireOutput & ioOutput, Host_PlayPositi
   Vrae_SubStream const program = Vrae_SubStream::Program();
   Vrae_ChaseTracker_ChasingEntry entry;
   if (!ioScratch.GetChasingEntry(&entry, program) || !entry.mIsActive) return;
-  if (!mIsEngaged || mIsProgramNew || !mPrograms.IsSame(iFrom, iTo))
+  if (!mIsEngaged || mIsProgramNew || !mPrograms.IsSame(iFrom, mAreValuesChased, iTo))
     SendProgram(program.MakeEvent(entry.mValue), ioOutput, iTo);
   mIsProgramNew = false;
   ioScratch.ClearActiveFlag(program);
@@ -207,7 +212,7 @@ void Host_ClipPlayback::ReconcileNotes(Host_WireOutput & ioOutput,
 
 void Host_ClipPlayback::WrapNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
                                   Host_PlayPosition const & iTo) {
-  mRinging.OffsetTimes(iTo.mTick - iFrom.mTick);
+  MoveRinging(iTo.mSample - iFrom.mSample);
   FindSounding(iTo, OtherNotes());
   ForEachNotIn(OtherNotes(), Notes(),
                [&](Vrae_NoteInProgress const & iNote) { RingOn(iNote, ioOutput, iFrom, iTo); });
@@ -217,14 +222,19 @@ void Host_ClipPlayback::WrapNotes(Host_WireOutput & ioOutput, Host_PlayPosition 
   TakeOtherNotes();
 }
 
+// In samples: the tempo may be another where the loop begins.
 void Host_ClipPlayback::RingOn(Vrae_NoteInProgress const & iNote, Host_WireOutput & ioOutput,
                                Host_PlayPosition const & iFrom, Host_PlayPosition const & iTo) {
-  Time_TypedLength const rest = iNote.mReleaseTime - iFrom.mTick;
+  long long const rest = Host_PlayPosition::SampleOf(iNote.mReleaseTime) - iFrom.mSample;
   bool const isFollowed =
-      rest.AsInt64() > 0 &&
-      Follow(mRinging, iTo.mTick,
-             Vrae_NoteWithDurationEvent(iNote.mPitch, rest, iNote.mOnVelocity, iNote.mOffVelocity));
+      rest > 0 && Follow(mRinging, Time_Sample(iTo.mSample),
+                         Vrae_NoteWithDurationEvent(iNote.mPitch, Time_SampleLength(rest),
+                                                    iNote.mOnVelocity, iNote.mOffVelocity));
   if (!isFollowed) SendNoteOff(iNote, ioOutput, iFrom.mTick);
+}
+
+void Host_ClipPlayback::MoveRinging(long long iNumSamples) {
+  mRinging.OffsetTimes(Time_SampleLength(iNumSamples));
 }
 
 void Host_ClipPlayback::TakeOtherNotes() {

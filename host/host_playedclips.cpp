@@ -206,6 +206,11 @@ void Host_PlayedClips::ChaseParameters(int iChannel, Change const & iChange) {
   channel.mAreParametersNew = false;
 }
 
+void Host_PlayedClips::MovePosition(long long iNumSamples) {
+  for (auto const & clipP : mClips)
+    clipP->MoveRinging(iNumSamples);
+}
+
 void Host_PlayedClips::Play(Host_PlayStretch const & iStretch, int iOffset) {
   mWaiting.clear();
   for (size_t i = 0; i < mClips.size(); ++i) {

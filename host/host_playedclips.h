@@ -48,6 +48,9 @@ public:
   /// edited, muted or taken away since.
   void Apply(Change const & iChange);
 
+  /// The position has moved by that much, and time has not.
+  void MovePosition(long long iNumSamples);
+
   /// What the stretch holds. `iOffset`: of its first sample.
   void Play(Host_PlayStretch const & iStretch, int iOffset);
 

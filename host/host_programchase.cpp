@@ -31,11 +31,13 @@ void Host_ProgramChase::Build(Vrad_Chunk const & iChunk) {
   mHasSamples = hasSamples;
 }
 
-Host_ProgramChase::State Host_ProgramChase::GetState(Host_PlayPosition const & iPosition) const {
+Host_ProgramChase::State Host_ProgramChase::GetState(Host_PlayPosition const & iPosition,
+                                                     bool iIsPlayed) const {
   Time_Typed const bound = iPosition.AsBound(mHasSamples);
-  auto const next =
-      std::partition_point(mStates.begin(), mStates.end(),
-                           [bound](State const & iState) { return iState.mTime < bound; });
+  auto const next = std::partition_point(
+      mStates.begin(), mStates.end(), [bound, iIsPlayed](State const & iState) {
+        return iState.mTime < bound || (iIsPlayed && iState.mTime == bound);
+      });
   return next == mStates.begin() ? State() : *(next - 1);
 }
 
@@ -61,8 +63,9 @@ void Host_ProgramChase::Send(Host_PlayPosition const & iPosition,
     iOutput.ReceiveEvent(MakeEvent(kUnknown, nextMSB, nextLSB));
 }
 
-bool Host_ProgramChase::IsSame(Host_PlayPosition const & iA, Host_PlayPosition const & iB) const {
-  return GetState(iA).SendsAs(GetState(iB));
+bool Host_ProgramChase::IsSame(Host_PlayPosition const & iLeft, bool iIsLeftPlayed,
+                               Host_PlayPosition const & iPosition) const {
+  return GetState(iLeft, iIsLeftPlayed).SendsAs(GetState(iPosition));
 }
 
 bool Host_ProgramChase::IsSame(Host_ProgramChase const & iOther,

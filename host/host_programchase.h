@@ -18,10 +18,13 @@ public:
   /// Fails: std::bad_alloc; the former contents stay.
   void Build(Vrad_Chunk const & iChunk);
 
-  /// Sends what selects the program that stands before the position: all its parts that are known,
+  /// Sends what selects the program that stands at the position: all its parts that are known,
   /// then the bank given since.
   void Send(Host_PlayPosition const & iPosition, Vrae_EventReceiver & iOutput) const;
-  bool IsSame(Host_PlayPosition const & iA, Host_PlayPosition const & iB) const;
+  /// Whether one position leaves what the other one selects. `iIsLeftPlayed`: what comes at the one
+  /// that is left has been sent.
+  bool IsSame(Host_PlayPosition const & iLeft, bool iIsLeftPlayed,
+              Host_PlayPosition const & iPosition) const;
   bool IsSame(Host_ProgramChase const & iOther, Host_PlayPosition const & iPosition) const;
 
 private:
@@ -35,7 +38,7 @@ private:
     bool SendsAs(State const & iOther) const;
   };
 
-  State GetState(Host_PlayPosition const & iPosition) const;
+  State GetState(Host_PlayPosition const & iPosition, bool iIsPlayed = true) const;
   static Vrae_ProgramEvent MakeEvent(int iProgram, int iMSB, int iLSB);
 
   std::vector<State> mStates;  // from its time on; rising

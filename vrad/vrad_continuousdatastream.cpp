@@ -44,10 +44,12 @@ Vrad_ContinuousDataStream::~Vrad_ContinuousDataStream() {
   Ndo_HandOver(mDataP);
 }
 
-// What a stream without data reads. Never destroyed, as streams may be used at exit.
+// What a stream without data reads is made when one does, as real-time threads read the others.
+// Never destroyed, as streams may be used at exit.
 Vrad_ContinuousData const & Vrad_ContinuousDataStream::GetData() const {
+  if (mDataP) return *mDataP.Get();
   static Vrad_ContinuousData const & sNone = *new Vrad_ContinuousData(kNotUndoable, false);
-  return mDataP ? *mDataP.Get() : sNone;
+  return sNone;
 }
 
 void Vrad_ContinuousDataStream::AddFromStream(Vrad_ContinuousDataStream const * iSourceP,

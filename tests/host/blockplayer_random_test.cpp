@@ -33,7 +33,8 @@ public:
     long long before = mPlayer.GetPosition().AsInt64();
     int size = BlockSize();
     mPlayer.Process(size);
-    mLog += " [" + std::to_string(before) + "+" + std::to_string(size) + "=" + std::to_string(mPlayer.GetPosition().AsInt64()) + "]";
+    mLog += " [" + std::to_string(before) + "+" + std::to_string(size) + "=" +
+            std::to_string(mPlayer.GetPosition().AsInt64()) + "]";
     mChecker.CheckPosition(mPlayer.GetPosition());
     return mChecker.IsGood() ? std::string() : mChecker.GetViolation().mText + "\n" + mLog;
   }
