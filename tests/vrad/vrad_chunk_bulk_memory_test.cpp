@@ -15,10 +15,6 @@
 
 namespace {
 
-Time_TypedLength TickLength(long long iCount) {
-  return Time_TypedLength(iCount, Time_eType_Ticks);
-}
-
 void Fill(Vrad_Chunk & ioChunk, long long iStep) {
   for (int i = 0; i < 10; ++i) {
     ioChunk.AddEvent(NoteAt(Ticks(i * iStep), 60 + i % 4, i % 5 == 0 ? 20000000 : 700));
@@ -53,16 +49,18 @@ void PrintTo(Edit const & iEdit, std::ostream * oStream) {
 Edit const kEdits[] = {
     {"add",
      [](Vrad_Chunk & ioChunk, Vrad_Chunk const & iSource) {
-       ioChunk.AddEventsFromChunk(&iSource, Ticks(0), Ticks(9999), TickLength(30), kNudgeTimes);
+       ioChunk.AddEventsFromChunk(&iSource, Ticks(0), Ticks(9999), Time_TickLength(30),
+                                  kNudgeTimes);
      }},
     {"add, avoiding overlaps",
      [](Vrad_Chunk & ioChunk, Vrad_Chunk const & iSource) {
        AvoidOverlapsScope const scope;
-       ioChunk.AddEventsFromChunk(&iSource, Ticks(0), Ticks(9999), TickLength(30), kNudgeStarts);
+       ioChunk.AddEventsFromChunk(&iSource, Ticks(0), Ticks(9999), Time_TickLength(30),
+                                  kNudgeStarts);
      }},
     {"erase",
      [](Vrad_Chunk & ioChunk, Vrad_Chunk const & iSource) {
-       ioChunk.EraseEventsFromChunk(&iSource, Ticks(0), Ticks(9999), TickLength(0));
+       ioChunk.EraseEventsFromChunk(&iSource, Ticks(0), Ticks(9999), Time_TickLength(0));
      }},
     {"erase a range",
      [](Vrad_Chunk & ioChunk, Vrad_Chunk const &) { ioChunk.EraseRange(Ticks(150), Ticks(9999)); }},
@@ -71,9 +69,9 @@ Edit const kEdits[] = {
        ioChunk.EraseSubStream(Vrae_SubStream::Controller(2), Ticks(0), Ticks(9999));
      }},
     {"move", [](Vrad_Chunk & ioChunk,
-                Vrad_Chunk const &) { ioChunk.MoveNotesForLegacyPlayback(TickLength(70)); }},
+                Vrad_Chunk const &) { ioChunk.MoveNotesForLegacyPlayback(Time_TickLength(70)); }},
     {"shift", [](Vrad_Chunk & ioChunk,
-                 Vrad_Chunk const &) { ioChunk.QuantizeEventsForTTM(TickLength(70)); }},
+                 Vrad_Chunk const &) { ioChunk.QuantizeEventsForTTM(Time_TickLength(70)); }},
 };
 
 // The chunks of one attempt.

@@ -15,13 +15,6 @@ namespace {
 
 constexpr char const * kModeText = "unexpected nudge mode";
 
-Time_TypedLength TickLength(long long iCount) {
-  return Time_TypedLength(iCount, Time_eType_Ticks);
-}
-Time_TypedLength SampleLength(long long iCount) {
-  return Time_TypedLength(iCount, Time_eType_Samples);
-}
-
 /// A note, a bend, a controller and a sysex, at ticks 10, 20, 30 and 40, and again 100 later.
 void Fill(Vrad_Chunk & ioChunk) {
   for (long long later : {0, 100}) {
@@ -68,51 +61,52 @@ char const * const kAll = "notes n60@10t+480t n60@110t+480t / stream 0 b5@20t b5
 }  // namespace
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, CopiesEveryStore) {
-  Add(0, 1000, TickLength(0), 0);
+  Add(0, 1000, Time_TickLength(0), 0);
   EXPECT_EQ(Contents(), kAll);
   EXPECT_EQ(SourceContents(), kAll);
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, RangeIncludesItsStartAndExcludesItsEnd) {
-  Add(10, 110, TickLength(0), 0);
+  Add(10, 110, Time_TickLength(0), 0);
   EXPECT_EQ(Contents(), "notes n60@10t+480t / stream 0 b5@20t / stream 7 c7=90@30t / misc x3@40t");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, EmptyRangeCopiesNothing) {
-  Add(10, 10, TickLength(5), 0);
+  Add(10, 10, Time_TickLength(5), 0);
   EXPECT_EQ(Contents(), "notes / misc");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, RangeWithItsEndBeforeItsStartCopiesNothing) {
-  Add(100, 10, TickLength(5), 0);
+  Add(100, 10, Time_TickLength(5), 0);
   EXPECT_EQ(Contents(), "notes / misc");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, MergesBehindNotesOfEqualTime) {
   mTarget->AddEvent(NoteAt(Ticks(10), 61));
-  Add(0, 15, TickLength(0), 0);
+  Add(0, 15, Time_TickLength(0), 0);
   EXPECT_EQ(Contents(), "notes n61@10t+480t n60@10t+480t / misc");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, AvoidsOverlapsWhereThatIsAskedFor) {
   AvoidOverlapsScope const scope;
   mTarget->AddEvent(NoteAt(Ticks(10), 60, 200));
-  Add(0, 15, TickLength(0), 0);
+  Add(0, 15, Time_TickLength(0), 0);
   EXPECT_EQ(Contents(), "notes n60@10t+480t / misc");
   EXPECT_EQ(SourceContents(), kAll);
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, SourceWinsWhereAValueStands) {
   mTarget->AddEvent(ControllerAt(Ticks(30), 7, 1));
-  Add(0, 50, TickLength(0), 0);
+  Add(0, 50, Time_TickLength(0), 0);
   EXPECT_EQ(Contents(), "notes n60@10t+480t / stream 0 b5@20t / stream 7 c7=90@30t / misc x3@40t");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, NoteKeepsItsExtras) {
-  Vrae_NoteWithDurationEvent const original(50, TickLength(7), 1, 2);
-  mSource->AddEvent(Vrad_NoteWithDurationExtendedEvent(
-      Ticks(0), NoteAt(Ticks(0), 70).mEvent.AsNoteWithDuration(), TickLength(9), original, true));
-  Add(0, 5, TickLength(3), 0);
+  Vrae_NoteWithDurationEvent const original(50, Time_TickLength(7), 1, 2);
+  mSource->AddEvent(
+      Vrad_NoteWithDurationExtendedEvent(Ticks(0), NoteAt(Ticks(0), 70).mEvent.AsNoteWithDuration(),
+                                         Time_TickLength(9), original, true));
+  Add(0, 5, Time_TickLength(3), 0);
   Vrad_NoteListBase_Note const note =
       *Vrad_NoteListBase::FullNotesInRangeIter(mTarget->GetNoteList());
   EXPECT_EQ(note.mQuantizeTimeDelta.AsInt64(), 9);
@@ -121,33 +115,33 @@ TEST_F(Vrad_Chunk_AddEventsFromChunk, NoteKeepsItsExtras) {
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, ModeTimesMovesEverything) {
-  Add(0, 100, TickLength(1000), kNudgeTimes);
+  Add(0, 100, Time_TickLength(1000), kNudgeTimes);
   EXPECT_EQ(Contents(), "notes n60@1010t+480t / stream 0 b5@1020t / stream 7 c7=90@1030t"
                         " / misc x3@1040t");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, ModeStartsMovesStartsOfNotesAndCopiesTheRestInPlace) {
-  Add(0, 100, TickLength(80), kNudgeStarts);
+  Add(0, 100, Time_TickLength(80), kNudgeStarts);
   EXPECT_EQ(Contents(), "notes n60@90t+400t / stream 0 b5@20t / stream 7 c7=90@30t / misc x3@40t");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, ModeStartsThatANoteRefusesCopiesAllInPlace) {
-  Add(0, 100, TickLength(479), kNudgeStarts);
+  Add(0, 100, Time_TickLength(479), kNudgeStarts);
   EXPECT_EQ(Contents(), "notes n60@10t+480t / stream 0 b5@20t / stream 7 c7=90@30t / misc x3@40t");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, ModeDurationsLengthensNotesAndCopiesTheRestInPlace) {
-  Add(0, 100, TickLength(-80), kNudgeDurations);
+  Add(0, 100, Time_TickLength(-80), kNudgeDurations);
   EXPECT_EQ(Contents(), "notes n60@10t+400t / stream 0 b5@20t / stream 7 c7=90@30t / misc x3@40t");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, ModePitchesMovesPitchesAndCopiesTheRestInPlace) {
-  Add(0, 100, TickLength(1000), kNudgePitches);
+  Add(0, 100, Time_TickLength(1000), kNudgePitches);
   EXPECT_EQ(Contents(), "notes n59@10t+480t / stream 0 b5@20t / stream 7 c7=90@30t / misc x3@40t");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, ModePitchesUpwardForANegativeLength) {
-  Add(0, 15, TickLength(-1000), kNudgePitches);
+  Add(0, 15, Time_TickLength(-1000), kNudgePitches);
   EXPECT_EQ(Contents(), "notes n61@10t+480t / misc");
 }
 
@@ -155,7 +149,7 @@ TEST_F(Vrad_Chunk_AddEventsFromChunk, UnknownModeIsReportedAndMovesEverything) {
   for (int mode : {4, -1}) {
     mTarget = MakeChunk();
     Cmn_AssertRecorder const recorder;
-    Add(0, 100, TickLength(1000), mode);
+    Add(0, 100, Time_TickLength(1000), mode);
     EXPECT_EQ(recorder.GetNum(kModeText), 1) << mode;
     EXPECT_EQ(recorder.GetNum(), 1) << mode;
     EXPECT_EQ(Contents(), "notes n60@1010t+480t / stream 0 b5@1020t / stream 7 c7=90@1030t"
@@ -166,37 +160,37 @@ TEST_F(Vrad_Chunk_AddEventsFromChunk, UnknownModeIsReportedAndMovesEverything) {
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, UnknownModeWithoutAnOffsetIsNotReported) {
   Cmn_AssertRecorder const recorder;
-  Add(0, 1000, TickLength(0), 4);
+  Add(0, 1000, Time_TickLength(0), 4);
   EXPECT_EQ(recorder.GetNum(), 0);
   EXPECT_EQ(Contents(), kAll);
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, UnknownModeIsReportedForAnEmptyRangeToo) {
   Cmn_AssertRecorder const recorder;
-  Add(0, 0, TickLength(1), 9);
+  Add(0, 0, Time_TickLength(1), 9);
   EXPECT_EQ(recorder.GetNum(kModeText), 1);
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, OffsetMayBeOfTheOtherUnit) {
-  Add(0, 15, SampleLength(10), kNudgeTimes);
+  Add(0, 15, Time_SampleLength(10), kNudgeTimes);
   EXPECT_EQ(Contents(), "notes n60@410t+480t / misc");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, SourceStreamWithoutEventsInTheRangeCreatesNone) {
-  Add(25, 100, TickLength(0), 0);
+  Add(25, 100, Time_TickLength(0), 0);
   EXPECT_EQ(Contents(), "notes / stream 7 c7=90@30t / misc x3@40t");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, NewStreamTakesItsPlaceByIndex) {
   mTarget->AddEvent(ControllerAt(Ticks(1), 3, 1));
   mTarget->AddEvent(ControllerAt(Ticks(1), 9, 1));
-  Add(15, 35, TickLength(0), 0);
+  Add(15, 35, Time_TickLength(0), 0);
   EXPECT_EQ(Contents(), "notes / stream 0 b5@20t / stream 3 c3=1@1t / stream 7 c7=90@30t"
                         " / stream 9 c9=1@1t / misc");
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, OfItselfActsOnACopy) {
-  mSource->AddEventsFromChunk(mSource.Get(), Ticks(0), Ticks(100), TickLength(1), kNudgeTimes);
+  mSource->AddEventsFromChunk(mSource.Get(), Ticks(0), Ticks(100), Time_TickLength(1), kNudgeTimes);
   EXPECT_EQ(SourceContents(),
             "notes n60@10t+480t n60@11t+480t n60@110t+480t / stream 0 b5@20t b5@21t b5@120t"
             " / stream 7 c7=90@30t c7=90@31t c7=90@130t / misc x3@40t x3@41t x3@140t");
@@ -204,20 +198,20 @@ TEST_F(Vrad_Chunk_AddEventsFromChunk, OfItselfActsOnACopy) {
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, DropsTheCachedList) {
   mTarget->StoreSortedEventList(new Vrad_DisplayItemList);
-  Add(0, 0, TickLength(0), 0);
+  Add(0, 0, Time_TickLength(0), 0);
   EXPECT_EQ(mTarget->GetSortedEventList(), nullptr);
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, LeavesTheSourcesCachedList) {
   Vrad_DisplayItemList * const listP = new Vrad_DisplayItemList;
   mSource->StoreSortedEventList(listP);
-  Add(0, 1000, TickLength(0), 0);
+  Add(0, 1000, Time_TickLength(0), 0);
   EXPECT_EQ(mSource->GetSortedEventList(), listP);
 }
 
 TEST_F(Vrad_Chunk_AddEventsFromChunk, LongNotesSoundInTheTarget) {
   mSource->AddEvent(NoteAt(Ticks(0), 72, 20000000));
-  Add(0, 5, TickLength(0), 0);
+  Add(0, 5, Time_TickLength(0), 0);
   EXPECT_EQ(mTarget->GetNoteList()->GetLongNoteList()->Size(), 1U);
 }
 
@@ -242,67 +236,67 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Quantizing, Vrad_Chunk_AddEventsOnGrid, testing::Bool());
 
 TEST_P(Vrad_Chunk_AddEventsOnGrid, ModeTimesWithoutAnOffsetBringsCopiesOntoTheGrid) {
-  Add(Ticks(0), TickLength(0), kNudgeTimes);
+  Add(Ticks(0), Time_TickLength(0), kNudgeTimes);
   EXPECT_EQ(Contents(), GetParam()
                             ? "notes n60@1000t+4000t / stream 7 c7=90@1000t / misc x3@1000t"
                             : "notes n60@1300t+4000t / stream 7 c7=90@1300t / misc x3@1300t");
 }
 
 TEST_P(Vrad_Chunk_AddEventsOnGrid, WithoutAnOffsetARangeInSamplesLeavesNotesWhereTheyAre) {
-  Add(Samples(0), TickLength(0), kNudgeTimes);
+  Add(Samples(0), Time_TickLength(0), kNudgeTimes);
   EXPECT_EQ(Contents(), GetParam()
                             ? "notes n60@1300t+4000t / stream 7 c7=90@1000t / misc x3@1000t"
                             : "notes n60@1300t+4000t / stream 7 c7=90@1300t / misc x3@1300t");
 }
 
 TEST_P(Vrad_Chunk_AddEventsOnGrid, ModeStartsWithoutAnOffsetInTicksDoesNotSnapNotes) {
-  Add(Ticks(0), TickLength(0), kNudgeStarts);
+  Add(Ticks(0), Time_TickLength(0), kNudgeStarts);
   EXPECT_EQ(Contents(), GetParam()
                             ? "notes n60@1300t+4000t / stream 7 c7=90@1000t / misc x3@1000t"
                             : "notes n60@1300t+4000t / stream 7 c7=90@1300t / misc x3@1300t");
 }
 
 TEST_P(Vrad_Chunk_AddEventsOnGrid, ModeDurationsWithoutAnOffsetChangesNoNote) {
-  Add(Ticks(0), TickLength(0), kNudgeDurations);
+  Add(Ticks(0), Time_TickLength(0), kNudgeDurations);
   EXPECT_EQ(Contents().substr(0, 21), "notes n60@1300t+4000t");
 }
 
 TEST_P(Vrad_Chunk_AddEventsOnGrid, ModePitchesWithoutAnOffsetRaisesEveryPitchQuantizingOrNot) {
-  Add(Ticks(0), TickLength(0), kNudgePitches);
+  Add(Ticks(0), Time_TickLength(0), kNudgePitches);
   EXPECT_EQ(Contents().substr(0, 21), "notes n61@1300t+4000t");
 }
 
 TEST_P(Vrad_Chunk_AddEventsOnGrid, UnknownModeWithoutAnOffsetIsReported) {
   Cmn_AssertRecorder const recorder;
-  Add(Ticks(0), TickLength(0), static_cast<EMidiNudgeMode>(17));
+  Add(Ticks(0), Time_TickLength(0), static_cast<EMidiNudgeMode>(17));
   EXPECT_EQ(recorder.GetNum(kModeText), 1);
 }
 
 TEST_P(Vrad_Chunk_AddEventsOnGrid, ErasingWithoutAnOffsetMissesWhatTheGridHasMoved) {
-  Add(Ticks(0), TickLength(0), kNudgeTimes);
-  mTarget->EraseEventsFromChunk(mSource.Get(), Ticks(0), Ticks(9000), TickLength(0));
+  Add(Ticks(0), Time_TickLength(0), kNudgeTimes);
+  mTarget->EraseEventsFromChunk(mSource.Get(), Ticks(0), Ticks(9000), Time_TickLength(0));
   EXPECT_EQ(Contents(), GetParam() ? "notes n60@1000t+4000t / stream 7 c7=90@1000t / misc x3@1000t"
                                    : "notes / misc");
 }
 
 TEST_P(Vrad_Chunk_AddEventsOnGrid, ErasingWithAnOffsetFindsNotesThatTheGridHasMovedAndNothingElse) {
-  Add(Ticks(0), TickLength(2000), kNudgeTimes);
-  mTarget->EraseEventsFromChunk(mSource.Get(), Ticks(0), Ticks(9000), TickLength(2000));
+  Add(Ticks(0), Time_TickLength(2000), kNudgeTimes);
+  mTarget->EraseEventsFromChunk(mSource.Get(), Ticks(0), Ticks(9000), Time_TickLength(2000));
   EXPECT_EQ(Contents(),
             GetParam() ? "notes / stream 7 c7=90@3000t / misc x3@3000t" : "notes / misc");
 }
 
 TEST_F(Vrad_Chunk_EraseEventsFromChunk, RemovesWhatWasAddedWithAnOffset) {
   mTarget->AddEvent(NoteAt(Ticks(1), 40));
-  Add(0, 1000, TickLength(70), kNudgeTimes);
-  Erase(0, 1000, TickLength(70));
+  Add(0, 1000, Time_TickLength(70), kNudgeTimes);
+  Erase(0, 1000, Time_TickLength(70));
   EXPECT_EQ(Contents(), "notes n40@1t+480t / misc");
   EXPECT_EQ(SourceContents(), kAll);
 }
 
 TEST_F(Vrad_Chunk_EraseEventsFromChunk, RemovesTheRangeAlone) {
   Fill(*mTarget.Get());
-  Erase(10, 110, TickLength(0));
+  Erase(10, 110, Time_TickLength(0));
   EXPECT_EQ(Contents(),
             "notes n60@110t+480t / stream 0 b5@120t / stream 7 c7=90@130t / misc x3@140t");
 }
@@ -311,59 +305,59 @@ TEST_F(Vrad_Chunk_EraseEventsFromChunk, RemovesOneNoteForEach) {
   for (int i = 0; i < 3; ++i)
     mTarget->AddEvent(NoteAt(Ticks(10), 60));
   mSource->AddEvent(NoteAt(Ticks(10), 60));
-  Erase(0, 15, TickLength(0));
+  Erase(0, 15, Time_TickLength(0));
   EXPECT_EQ(Contents(), "notes n60@10t+480t / misc");
 }
 
 TEST_F(Vrad_Chunk_EraseEventsFromChunk, NeedsNotesAlikeInDurationToo) {
   mTarget->AddEvent(NoteAt(Ticks(10), 60, 481));
-  Erase(0, 100, TickLength(0));
+  Erase(0, 100, Time_TickLength(0));
   EXPECT_EQ(Contents(), "notes n60@10t+481t / misc");
 }
 
 TEST_F(Vrad_Chunk_EraseEventsFromChunk, LeavesAnotherValueAtTheSameTime) {
   mTarget->AddEvent(ControllerAt(Ticks(30), 7, 91));
   mTarget->AddEvent(SysexAt(Ticks(40), 4));
-  Erase(0, 100, TickLength(0));
+  Erase(0, 100, Time_TickLength(0));
   EXPECT_EQ(Contents(), "notes / stream 7 c7=91@30t / misc x4@40t");
 }
 
 TEST_F(Vrad_Chunk_EraseEventsFromChunk, CreatesNoStream) {
-  Erase(0, 1000, TickLength(0));
+  Erase(0, 1000, Time_TickLength(0));
   EXPECT_EQ(mTarget->GetContinuousList().size(), 0U);
 }
 
 TEST_F(Vrad_Chunk_EraseEventsFromChunk, LeavesStreamsThatTheSourceHasNot) {
   mTarget->AddEvent(ControllerAt(Ticks(30), 8, 90));
-  Erase(0, 1000, TickLength(0));
+  Erase(0, 1000, Time_TickLength(0));
   EXPECT_EQ(Contents(), "notes / stream 8 c8=90@30t / misc");
 }
 
 TEST_F(Vrad_Chunk_EraseEventsFromChunk, LeavesAnEmptyStreamWithoutSourceEventsInTheRange) {
   mTarget->IsEventInChunk(ControllerAt(Ticks(30), 7, 90));
-  Erase(35, 100, TickLength(0));
+  Erase(35, 100, Time_TickLength(0));
   EXPECT_EQ(Contents(), "notes / stream 7 / misc");
-  Erase(0, 100, TickLength(0));
+  Erase(0, 100, Time_TickLength(0));
   EXPECT_EQ(Contents(), "notes / misc");
 }
 
 TEST_F(Vrad_Chunk_EraseEventsFromChunk, OfItselfEmptiesTheRange) {
-  mSource->EraseEventsFromChunk(mSource.Get(), Ticks(0), Ticks(100), TickLength(0));
+  mSource->EraseEventsFromChunk(mSource.Get(), Ticks(0), Ticks(100), Time_TickLength(0));
   EXPECT_EQ(SourceContents(),
             "notes n60@110t+480t / stream 0 b5@120t / stream 7 c7=90@130t / misc x3@140t");
-  mSource->EraseEventsFromChunk(mSource.Get(), Ticks(0), Ticks(1000), TickLength(0));
+  mSource->EraseEventsFromChunk(mSource.Get(), Ticks(0), Ticks(1000), Time_TickLength(0));
   EXPECT_EQ(SourceContents(), "notes / misc");
 }
 
 TEST_F(Vrad_Chunk_EraseEventsFromChunk, OfItselfWithAnOffsetErasesTheMovedOnes) {
-  mSource->EraseEventsFromChunk(mSource.Get(), Ticks(0), Ticks(1000), TickLength(100));
+  mSource->EraseEventsFromChunk(mSource.Get(), Ticks(0), Ticks(1000), Time_TickLength(100));
   EXPECT_EQ(SourceContents(),
             "notes n60@10t+480t / stream 0 b5@20t / stream 7 c7=90@30t / misc x3@40t");
 }
 
 TEST_F(Vrad_Chunk_EraseEventsFromChunk, DropsTheCachedList) {
   mTarget->StoreSortedEventList(new Vrad_DisplayItemList);
-  Erase(0, 0, TickLength(0));
+  Erase(0, 0, Time_TickLength(0));
   EXPECT_EQ(mTarget->GetSortedEventList(), nullptr);
 }
 
@@ -374,7 +368,7 @@ TEST_F(Vrad_Chunk_EraseEventsFromChunk, TwoNotesWithFractionalPitchesAtOneTimeTh
   mSource->AddEvent(note);
   std::string const before = Contents();
   Cmn_AssertRecorder const recorder;
-  EXPECT_THROW(Erase(0, 1000, TickLength(0)), Cmn_AssertException);
+  EXPECT_THROW(Erase(0, 1000, Time_TickLength(0)), Cmn_AssertException);
   EXPECT_EQ(recorder.GetNum("0"), 1);
   EXPECT_EQ(Contents(), before);
 }
@@ -489,12 +483,12 @@ TEST(Vrad_Chunk_BulkEdits, WithoutANoteListServeTheOtherStores) {
   ChunkPtr const chunk = MakeChunk(), source = MakeChunk();
   Fill(*source.Get());
   chunk->SetNoteList(Ndo_AutoPtr<Vrad_NoteListBase>());
-  chunk->AddEventsFromChunk(source.Get(), Ticks(0), Ticks(100), TickLength(0), kNudgeTimes);
+  chunk->AddEventsFromChunk(source.Get(), Ticks(0), Ticks(100), Time_TickLength(0), kNudgeTimes);
   EXPECT_EQ(chunk->GetEventStream()->Size(), 1U);
   source->SetNoteList(Ndo_AutoPtr<Vrad_NoteListBase>());
-  source->AddEventsFromChunk(chunk.Get(), Ticks(0), Ticks(100), TickLength(7), kNudgeTimes);
+  source->AddEventsFromChunk(chunk.Get(), Ticks(0), Ticks(100), Time_TickLength(7), kNudgeTimes);
   EXPECT_EQ(source->GetEventStream()->Size(), 3U);
-  chunk->EraseEventsFromChunk(source.Get(), Ticks(0), Ticks(100), TickLength(0));
+  chunk->EraseEventsFromChunk(source.Get(), Ticks(0), Ticks(100), Time_TickLength(0));
   EXPECT_EQ(chunk->GetEventStream()->Size(), 0U);
   source->EraseRange(Ticks(0), Ticks(1000));
   EXPECT_EQ(source->GetEventStream()->Size(), 0U);

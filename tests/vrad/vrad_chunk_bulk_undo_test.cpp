@@ -11,10 +11,6 @@
 
 namespace {
 
-Time_TypedLength TickLength(long long iCount) {
-  return Time_TypedLength(iCount, Time_eType_Ticks);
-}
-
 class Vrad_Chunk_BulkUndo : public UndoTest {
 protected:
   Vrad_Chunk_BulkUndo()
@@ -28,11 +24,12 @@ protected:
   }
 
   void Add(long long iStart, long long iEnd, long long iOffset, EMidiNudgeMode iMode) {
-    mChunk->AddEventsFromChunk(mSource.Get(), Ticks(iStart), Ticks(iEnd), TickLength(iOffset),
+    mChunk->AddEventsFromChunk(mSource.Get(), Ticks(iStart), Ticks(iEnd), Time_TickLength(iOffset),
                                iMode);
   }
   void Erase(long long iStart, long long iEnd, long long iOffset) {
-    mChunk->EraseEventsFromChunk(mSource.Get(), Ticks(iStart), Ticks(iEnd), TickLength(iOffset));
+    mChunk->EraseEventsFromChunk(mSource.Get(), Ticks(iStart), Ticks(iEnd),
+                                 Time_TickLength(iOffset));
   }
 
   // Which of chunk, notes, streams and misc announce: "chunk notes data misc", each left out if
@@ -114,7 +111,7 @@ TEST_F(Vrad_Chunk_BulkUndo, OfEraseSubStream) {
 
 TEST_F(Vrad_Chunk_BulkUndo, OfMoveNotesForLegacyPlayback) {
   mChunk->AddEvent(NoteAt(Ticks(5100), 50, 20000000));
-  ExpectUndoAndRedo([&] { mChunk->MoveNotesForLegacyPlayback(TickLength(7)); });
+  ExpectUndoAndRedo([&] { mChunk->MoveNotesForLegacyPlayback(Time_TickLength(7)); });
 }
 
 TEST_F(Vrad_Chunk_BulkUndo, AbortTakesAnEditBack) {
@@ -180,5 +177,5 @@ TEST_F(Vrad_Chunk_BulkUndo, AddClipBoundaryAnnouncesNothing) {
 }
 
 TEST_F(Vrad_Chunk_BulkUndo, MoveNotesForLegacyPlaybackAnnouncesTheNotesAlone) {
-  EXPECT_EQ(Announced([&] { mChunk->MoveNotesForLegacyPlayback(TickLength(0)); }), "notes ");
+  EXPECT_EQ(Announced([&] { mChunk->MoveNotesForLegacyPlayback(Time_TickLength(0)); }), "notes ");
 }

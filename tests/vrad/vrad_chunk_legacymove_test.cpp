@@ -15,20 +15,13 @@
 
 namespace {
 
-Time_TypedLength TickLength(long long iCount) {
-  return Time_TypedLength(iCount, Time_eType_Ticks);
-}
-Time_TypedLength SampleLength(long long iCount) {
-  return Time_TypedLength(iCount, Time_eType_Samples);
-}
-
 /// Where one note at a raw count goes.
 long long Moved(std::vector<long long> const & iBoundaries, long long iTime, long long iLength) {
   ChunkPtr const chunk = MakeChunk();
   for (long long boundary : iBoundaries)
     chunk->AddClipBoundary(boundary);
   chunk->AddEvent(NoteAt(Ticks(iTime), 60));
-  chunk->MoveNotesForLegacyPlayback(TickLength(iLength));
+  chunk->MoveNotesForLegacyPlayback(Time_TickLength(iLength));
   EXPECT_EQ(chunk->GetNoteList()->Size(), 1U);
   Time_Typed const time = chunk->GetNoteList()->TimeOfFirstNote();
   EXPECT_EQ(time.GetType(), Time_eType_Ticks);
@@ -130,6 +123,10 @@ TEST(Vrad_Chunk_LegacyMove, OfManyBoundariesTheNearestOnBothSidesCount) {
   EXPECT_EQ(Moved({0, 10000, 20000, 30000}, 20000, 250), 19000);
 }
 
+TEST(Vrad_Chunk_LegacyMove, AtABoundaryThatIsTheFormerOne) {
+  EXPECT_EQ(Moved({999, 1000}, 1000, 0), 1000);
+}
+
 TEST(Vrad_Chunk_LegacyMove, OfANegativeLengthMovesUpward) {
   EXPECT_EQ(Moved({0, 10000}, 5000, -1500), 6000);
   EXPECT_EQ(Moved({0, 10000}, 10000, -1500), 11000);
@@ -144,7 +141,7 @@ TEST(Vrad_Chunk_LegacyMove, TruncatesTowardsZero) {
 TEST(Vrad_Chunk_LegacyMove, TheLengthOfTheOtherUnitIsARawCount) {
   ChunkPtr const chunk = MakeChunk();
   chunk->AddEvent(NoteAt(Ticks(5500), 60));
-  chunk->MoveNotesForLegacyPlayback(SampleLength(1000));
+  chunk->MoveNotesForLegacyPlayback(Time_SampleLength(1000));
   EXPECT_EQ(PrintContents(*chunk.Get()), "notes n60@4000t+480t / misc");
 }
 
@@ -178,11 +175,11 @@ TEST(Vrad_Chunk_LegacyMove, FarLimitsDoNotOverflow) {
 }
 
 TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, KeepsEverythingElseOfANote) {
-  Vrae_NoteWithDurationEvent const original(50, TickLength(7), 1, 2);
+  Vrae_NoteWithDurationEvent const original(50, Time_TickLength(7), 1, 2);
   mChunk->AddEvent(Vrad_NoteWithDurationExtendedEvent(
-      Ticks(5300), NoteAt(Ticks(0), 70, 99).mEvent.AsNoteWithDuration(), SampleLength(9), original,
-      true));
-  mChunk->MoveNotesForLegacyPlayback(TickLength(0));
+      Ticks(5300), NoteAt(Ticks(0), 70, 99).mEvent.AsNoteWithDuration(), Time_SampleLength(9),
+      original, true));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(0));
   Vrad_NoteListBase_Note const note =
       *Vrad_NoteListBase::FullNotesInRangeIter(mChunk->GetNoteList());
   EXPECT_EQ(Print(Vrae_TimedEvent(note.mTime, note.mEvent)), "n70@5000t+99t");
@@ -194,14 +191,14 @@ TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, KeepsEverythingElseOfANote) {
 
 TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, NotesInSamplesComeOutInTicks) {
   mChunk->AddEvent(NoteAt(Samples(5300), 60));
-  mChunk->MoveNotesForLegacyPlayback(TickLength(0));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(0));
   EXPECT_EQ(Contents(), "notes n60@5000t+480s / misc");
 }
 
 TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, TiesKeepTheirOrder) {
   for (int i = 0; i < 4; ++i)
     mChunk->AddEvent(NoteAt(Ticks(5000 + 10 * i), 63 - i));
-  mChunk->MoveNotesForLegacyPlayback(TickLength(0));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(0));
   EXPECT_EQ(Contents(), "notes n63@5000t+480t n62@5000t+480t n61@5000t+480t n60@5000t+480t / misc");
 }
 
@@ -211,39 +208,39 @@ TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, TruncationMayTurnTheOrderOfTwoNote
   mChunk->AddClipBoundary(15);
   mChunk->AddEvent(NoteAt(Ticks(-5), 60));
   mChunk->AddEvent(NoteAt(Ticks(0), 61));
-  mChunk->MoveNotesForLegacyPlayback(TickLength(4));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(4));
   EXPECT_EQ(Contents(), "notes n61@-1t+480t n60@0t+480t / misc");
 }
 
 TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, LeavesTheOtherStores) {
   mChunk->AddEvent(ControllerAt(Ticks(5300), 7, 90));
   mChunk->AddEvent(SysexAt(Ticks(5300), 3));
-  mChunk->MoveNotesForLegacyPlayback(TickLength(250));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(250));
   EXPECT_EQ(Contents(), "notes / stream 7 c7=90@5300t / misc x3@5300t");
 }
 
 TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, RebuildsTheLongNotes) {
   mChunk->AddEvent(NoteAt(Ticks(5300), 60, 20000000));
-  mChunk->MoveNotesForLegacyPlayback(TickLength(0));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(0));
   EXPECT_EQ(mChunk->GetNoteList()->GetLongNoteList()->TimeOfFirstNote(), Ticks(5000));
 }
 
 TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, DropsTheCachedList) {
   mChunk->StoreSortedEventList(new Vrad_DisplayItemList);
-  mChunk->MoveNotesForLegacyPlayback(TickLength(0));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(0));
   EXPECT_EQ(mChunk->GetSortedEventList(), nullptr);
 }
 
 TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, MayBeRepeated) {
   mChunk->AddEvent(NoteAt(Ticks(5300), 60));
-  mChunk->MoveNotesForLegacyPlayback(TickLength(1000));
-  mChunk->MoveNotesForLegacyPlayback(TickLength(1000));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(1000));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(1000));
   EXPECT_EQ(Contents(), "notes n60@3000t+480t / misc");
 }
 
 TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, WithoutANoteListDoesNothing) {
   mChunk->SetNoteList(Ndo_AutoPtr<Vrad_NoteListBase>());
-  mChunk->MoveNotesForLegacyPlayback(TickLength(1000));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(1000));
   EXPECT_EQ(mChunk->GetNoteList(), nullptr);
 }
 
@@ -253,7 +250,7 @@ TEST_F(Vrad_Chunk_AddClipBoundary, OfAValueTwiceLeavesOne) {
     mChunk->AddClipBoundary(boundary);
   mChunk->AddEvent(NoteAt(Ticks(9999), 60));
   mChunk->AddEvent(NoteAt(Ticks(10000), 61));
-  mChunk->MoveNotesForLegacyPlayback(TickLength(250));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(250));
   EXPECT_EQ(Contents(), "notes n60@8000t+480t n61@9000t+480t / misc");
 }
 
@@ -268,7 +265,7 @@ TEST_F(Vrad_Chunk_AddClipBoundary, StaysWhenTheChunkIsCleared) {
   mChunk->AddClipBoundary(10000);
   mChunk->Clear();
   mChunk->AddEvent(NoteAt(Ticks(10250), 60));
-  mChunk->MoveNotesForLegacyPlayback(TickLength(250));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(250));
   EXPECT_EQ(Contents(), "notes n60@9000t+480t / misc");
 }
 
@@ -277,18 +274,18 @@ TEST_F(Vrad_Chunk_AddClipBoundary, DoesNotComeWithAnotherChunksContents) {
   source->AddClipBoundary(10000);
   source->AddEvent(NoteAt(Ticks(10250), 60));
   mChunk->ReplaceData(source.Get());
-  mChunk->MoveNotesForLegacyPlayback(TickLength(250));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(250));
   EXPECT_EQ(Contents(), "notes n60@10000t+480t / misc");
 }
 
 TEST_F(Vrad_Chunk_QuantizeEventsForTTM, WithoutBoundariesMovesEverythingUpByTheLength) {
-  mChunk->QuantizeEventsForTTM(TickLength(250));
+  mChunk->QuantizeEventsForTTM(Time_TickLength(250));
   EXPECT_EQ(Contents(), "notes n60@5550t+480t / stream 7 c7=90@5550t / misc x3@5550t");
 }
 
 TEST_F(Vrad_Chunk_QuantizeEventsForTTM, WithABoundaryMovesNotesDownOntoTheGridAndTheRestUp) {
   mChunk->AddClipBoundary(0);
-  mChunk->QuantizeEventsForTTM(TickLength(250));
+  mChunk->QuantizeEventsForTTM(Time_TickLength(250));
   EXPECT_EQ(Contents(), "notes n60@5000t+480t / stream 7 c7=90@5550t / misc x3@5550t");
 }
 
@@ -297,43 +294,43 @@ TEST_F(Vrad_Chunk_QuantizeEventsForTTM, SnapsInAChunkThatQuantizesWhileTickTimes
   ChunkPtr const chunk = MakeChunk(Ndo_Object::kNotUndoable, true);
   chunk->GetNoteList()->AddNote(NoteAt(Ticks(5300), 60));
   chunk->GetEventStream()->AddEvent(SysexAt(Ticks(5300), 3));
-  chunk->QuantizeEventsForTTM(TickLength(250));
+  chunk->QuantizeEventsForTTM(Time_TickLength(250));
   EXPECT_EQ(PrintContents(*chunk.Get()), "notes n60@6000t+480t / misc x3@6000t");
 }
 
 TEST_F(Vrad_Chunk_QuantizeEventsForTTM, ASecondTimeChangesNothing) {
-  mChunk->QuantizeEventsForTTM(TickLength(250));
+  mChunk->QuantizeEventsForTTM(Time_TickLength(250));
   Vrad_DisplayItemList * const listP = new Vrad_DisplayItemList;
   mChunk->StoreSortedEventList(listP);
   mChunk->AddClipBoundary(0);
-  mChunk->QuantizeEventsForTTM(TickLength(250));
+  mChunk->QuantizeEventsForTTM(Time_TickLength(250));
   EXPECT_EQ(Contents(), "notes n60@5550t+480t / stream 7 c7=90@5550t / misc x3@5550t");
   EXPECT_EQ(mChunk->GetSortedEventList(), listP);
 }
 
 TEST_F(Vrad_Chunk_QuantizeEventsForTTM, OfAnEmptyChunkCountsAsRun) {
   ChunkPtr const chunk = MakeChunk();
-  chunk->QuantizeEventsForTTM(TickLength(250));
+  chunk->QuantizeEventsForTTM(Time_TickLength(250));
   chunk->AddEvent(NoteAt(Ticks(10), 60));
-  chunk->QuantizeEventsForTTM(TickLength(250));
+  chunk->QuantizeEventsForTTM(Time_TickLength(250));
   EXPECT_EQ(PrintContents(*chunk.Get()), "notes n60@10t+480t / misc");
 }
 
 TEST_F(Vrad_Chunk_QuantizeEventsForTTM, RunsOnceInALifeWhateverIsClearedOrReplaced) {
-  mChunk->QuantizeEventsForTTM(TickLength(250));
+  mChunk->QuantizeEventsForTTM(Time_TickLength(250));
   ChunkPtr const source = MakeChunk();
   source->AddEvent(NoteAt(Ticks(10), 60));
   mChunk->Clear();
   mChunk->ReplaceData(source.Get());
-  mChunk->QuantizeEventsForTTM(TickLength(250));
+  mChunk->QuantizeEventsForTTM(Time_TickLength(250));
   EXPECT_EQ(Contents(), "notes n60@10t+480t / misc");
-  source->QuantizeEventsForTTM(TickLength(250));
+  source->QuantizeEventsForTTM(Time_TickLength(250));
   EXPECT_EQ(PrintContents(*source.Get()), "notes n60@260t+480t / misc");
 }
 
 TEST_F(Vrad_Chunk_QuantizeEventsForTTM, DropsTheCachedList) {
   mChunk->StoreSortedEventList(new Vrad_DisplayItemList);
-  mChunk->QuantizeEventsForTTM(TickLength(0));
+  mChunk->QuantizeEventsForTTM(Time_TickLength(0));
   EXPECT_EQ(mChunk->GetSortedEventList(), nullptr);
 }
 
@@ -342,14 +339,14 @@ TEST_F(Vrad_Chunk_QuantizeEventsForTTM, ReportsStreamsAndSysexInSamplesAndMovesT
   chunk->AddEvent(ControllerAt(Samples(10), 7, 90));
   chunk->AddEvent(SysexAt(Samples(10), 3));
   Cmn_AssertRecorder const recorder;
-  chunk->QuantizeEventsForTTM(SampleLength(5));
+  chunk->QuantizeEventsForTTM(Time_SampleLength(5));
   EXPECT_EQ(recorder.GetNum("iter->mTime.GetType() == Time_eType_Ticks"), 2);
   EXPECT_EQ(PrintContents(*chunk.Get()), "notes / stream 7 c7=90@15s / misc x3@15s");
 }
 
 TEST_F(Vrad_Chunk_QuantizeEventsForTTM, UndoRestoresTheNotesAlone) {
   Ndo_Transaction transaction;
-  mChunk->QuantizeEventsForTTM(TickLength(250));
+  mChunk->QuantizeEventsForTTM(Time_TickLength(250));
   EXPECT_EQ(Ndo_gManager.GetNumAnnounced(), 2);  // the notes and the long notes
   EXPECT_FALSE(Ndo_gManager.HasAnnounced(mChunk->NdoGetID()));
   EXPECT_TRUE(transaction.End());
@@ -362,11 +359,11 @@ TEST_F(Vrad_Chunk_QuantizeEventsForTTM, UndoRestoresTheNotesAlone) {
 TEST_F(Vrad_Chunk_QuantizeEventsForTTM, UndoLeavesItRun) {
   {
     Ndo_Transaction transaction;
-    mChunk->QuantizeEventsForTTM(TickLength(250));
+    mChunk->QuantizeEventsForTTM(Time_TickLength(250));
     transaction.End();
   }
   Ndo_gManager.Undo();
-  mChunk->QuantizeEventsForTTM(TickLength(250));
+  mChunk->QuantizeEventsForTTM(Time_TickLength(250));
   EXPECT_EQ(Contents(), "notes n60@5300t+480t / stream 7 c7=90@5550t / misc x3@5550t");
 }
 
@@ -374,7 +371,7 @@ TEST_F(Vrad_Chunk_QuantizeEventsForTTM, UndoOfTheMoveNearBoundariesRestoresTheNo
   mChunk->AddClipBoundary(5000);
   {
     Ndo_Transaction transaction;
-    mChunk->MoveNotesForLegacyPlayback(TickLength(250));
+    mChunk->MoveNotesForLegacyPlayback(Time_TickLength(250));
     EXPECT_TRUE(transaction.End());
   }
   EXPECT_EQ(Contents(), "notes n60@4000t+480t / stream 7 c7=90@5300t / misc x3@5300t");

@@ -2,13 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-#include <string>
 #include <type_traits>
 
 #include "cmn/cmn_assert.h"
 #include "support/event_samples.h"
-#include "support/realtime_scope.h"
 #include "support/scrub_printing.h"
 
 namespace {
@@ -34,30 +31,10 @@ bool IsAfter(long long iTime, int iType, long long iPosition) {
   return Vrad_ScrubList().EventIsAfterTime(&event, iPosition);
 }
 
-int GetNumFree() {
-  int num = 0;
-  for (Vrad_ScrubEvent const * p = Vrad_ScrubEventPool::sFirstEvent; p; p = p->mNextP)
-    ++num;
-  return num;
-}
-
-// Every node taken in the scope comes back at its end, linked as before or not.
-class NodeCount : public testing::Test {
-protected:
-  NodeCount() {
-    Vrad_ScrubEventPool::ReleaseEvent(Vrad_ScrubEventPool::GetEvent());
-    mNumFree = GetNumFree();
-  }
-  int mNumFree;
-};
-
-typedef NodeCount Vrad_ScrubEventPool_Nodes;
-
 }  // namespace
 
 static_assert(!std::is_copy_constructible_v<Vrad_ScrubList>);
 static_assert(!std::is_copy_assignable_v<Vrad_ScrubList>);
-static_assert(!std::is_copy_constructible_v<Vrad_ScrubEventPool>);
 static_assert(std::is_same_v<decltype(Vrad_ScrubEvent::mTime), long long>);
 static_assert(std::is_same_v<decltype(Vrad_ScrubEvent::mValue), short>);
 static_assert(std::is_same_v<decltype(Vrad_ScrubEvent::mType), int>);
@@ -182,13 +159,33 @@ TEST(Vrad_ScrubList_MoveTowards, MovesOnPastTheEndWithoutLookingBack) {
   EXPECT_EQ(MoveTo(list, 29), "end60@30");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, PositionOfAStepIsThatOfItsTransition) {
+// Seen by a bend at the very tick: its old side counts as passed there.
+TEST(Vrad_ScrubList_MoveTowards, PositionOfAStepForwardIsThatOfItsTransition) {
   Vrad_ScrubList list;
   list.AddNote(ScrubNote(60, 10, 20), false);
-  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "start60@10");
-  // The position is 10, so that this note lies ahead of it and right before the cursor.
-  list.AddNote(ScrubNote(61, 20, 50), true);
-  EXPECT_EQ(MoveTo(list, 100), "start61@20 end60@30 end61@70");
+  list.MoveTowards(Time_Tick(100));
+  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "end60@30");
+  list.AddPitchBend(ScrubBend(100, 30), 7, true);
+  EXPECT_EQ(MoveTo(list, 100), "to100@30");
+}
+
+// And its new side does not.
+TEST(Vrad_ScrubList_MoveTowards, PositionOfAStepBackwardIsThatOfItsTransition) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  MoveTo(list, 100);
+  list.MoveTowards(Time_Tick(0));
+  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(0))), "start60@10");
+  list.AddPitchBend(ScrubBend(100, 10), 7, true);
+  EXPECT_EQ(MoveTo(list, 20), "to100@10 start60@10");
+}
+
+TEST(Vrad_ScrubList_MoveTowards, MayTurnRoundBeforeItArrives) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 20), false);
+  list.MoveTowards(Time_Tick(100));
+  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "end60@30");
+  EXPECT_EQ(MoveTo(list, 25), "end60@30");
 }
 
 TEST(Vrad_ScrubList_MoveTowards, ReadsTheCountOfAnyUnit) {
@@ -392,6 +389,7 @@ TEST(Vrad_ScrubList_AddPitchBend, IntoAnEmptyListCountsAsPassed) {
   for (bool isFromEnd : {false, true}) {
     Vrad_ScrubList list;
     list.AddPitchBend(ScrubBend(100, 10), 7, isFromEnd);
+    EXPECT_EQ(MoveTo(list, 5), "") << isFromEnd;
     EXPECT_EQ(MoveTo(list, 20), "") << isFromEnd;
     EXPECT_EQ(MoveTo(list, 0), "to100@10 from7@10") << isFromEnd;
     EXPECT_EQ(MoveTo(list, 20), "from7@10 to100@10") << isFromEnd;
@@ -455,72 +453,4 @@ TEST(Vrad_ScrubList_Clear, LeavesNothingToMoveOver) {
   list.Clear();
   EXPECT_EQ(MoveTo(list, 100), "");
   EXPECT_EQ(MoveTo(list, 0), "");
-}
-
-TEST_F(Vrad_ScrubEventPool_Nodes, ComeBackByClear) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  list.AddPitchBend(ScrubBend(100, 10), 7, false);
-  EXPECT_EQ(GetNumFree(), mNumFree - 4);
-  list.Clear();
-  EXPECT_EQ(GetNumFree(), mNumFree);
-}
-
-TEST_F(Vrad_ScrubEventPool_Nodes, ComeBackWithTheList) {
-  {
-    Vrad_ScrubList list;
-    list.AddNote(ScrubNote(60, 10, 20), false);
-  }
-  EXPECT_EQ(GetNumFree(), mNumFree);
-}
-
-TEST_F(Vrad_ScrubEventPool_Nodes, LastReleasedIsTakenFirst) {
-  Vrad_ScrubEvent * const eventP = Vrad_ScrubEventPool::GetEvent();
-  Vrad_ScrubEventPool::ReleaseEvent(eventP);
-  EXPECT_EQ(Vrad_ScrubEventPool::GetEvent(), eventP);
-  Vrad_ScrubEventPool::ReleaseEvent(eventP);
-}
-
-TEST_F(Vrad_ScrubEventPool_Nodes, ReleasingGivesTheFormerLink) {
-  Vrad_ScrubEvent * const aP = Vrad_ScrubEventPool::GetEvent();
-  Vrad_ScrubEvent * const bP = Vrad_ScrubEventPool::GetEvent();
-  aP->mNextP = bP;
-  bP->mNextP = nullptr;
-  EXPECT_EQ(Vrad_ScrubEventPool::ReleaseEvent(aP), bP);
-  EXPECT_EQ(Vrad_ScrubEventPool::ReleaseEvent(bP), nullptr);
-  EXPECT_EQ(GetNumFree(), mNumFree);
-}
-
-TEST_F(Vrad_ScrubEventPool_Nodes, TakingAndReleasingStaysOffTheHeap) {
-  Vrad_ScrubList list;
-  EXPECT_EQ("", RealtimeViolationsOf([&] {
-              list.AddNote(ScrubNote(60, 10, 20), false);
-              list.AddPitchBend(ScrubBend(100, 10), 7, true);
-              while (list.MoveTowards(Time_Tick(50))) {
-              }
-              list.Clear();
-            }));
-}
-
-TEST_F(Vrad_ScrubEventPool_Nodes, RunningDryAddsOneBlockOf1024) {
-  std::set<Vrad_ScrubEvent *> taken;
-  for (int i = 0; i < mNumFree; ++i)
-    taken.insert(Vrad_ScrubEventPool::GetEvent());
-  EXPECT_EQ(Vrad_ScrubEventPool::sFirstEvent, nullptr);
-  Vrad_ScrubEventPool * const formerP = Vrad_ScrubEventPool::sFirstPool;
-  taken.insert(Vrad_ScrubEventPool::GetEvent());
-  EXPECT_NE(Vrad_ScrubEventPool::sFirstPool, formerP);
-  EXPECT_EQ(GetNumFree(), 1023);
-  EXPECT_EQ(taken.size(), static_cast<size_t>(mNumFree) + 1);
-  for (Vrad_ScrubEvent * const eventP : taken)
-    Vrad_ScrubEventPool::ReleaseEvent(eventP);
-  EXPECT_EQ(GetNumFree(), mNumFree + 1024);
-}
-
-TEST_F(Vrad_ScrubEventPool_Nodes, NewBlockGoesInFrontOfTheFreeOnes) {
-  Vrad_ScrubEvent const * const formerP = Vrad_ScrubEventPool::sFirstEvent;
-  Vrad_ScrubEventPool * const poolP = new Vrad_ScrubEventPool;
-  EXPECT_EQ(Vrad_ScrubEventPool::sFirstPool, poolP);
-  EXPECT_NE(Vrad_ScrubEventPool::sFirstEvent, formerP);
-  EXPECT_EQ(GetNumFree(), mNumFree + 1024);
 }
