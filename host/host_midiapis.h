@@ -1,6 +1,8 @@
 // What is asked of the systems behind RtMidi without its help.
 #pragma once
 
+#include <memory>
+
 /// The systems' own libraries write to the standard error stream when a system is not there; this
 /// keeps them from it.
 void Host_SilenceMidiSystems();
@@ -11,3 +13,21 @@ void Host_SilenceMidiSystems();
 bool Host_IsAlsaRunning();
 /// The server of this user.
 bool Host_IsJackRunning();
+
+/// Counts the cycles in which JACK calls its clients, as one of them.
+class Host_JackCycles {
+public:
+  Host_JackCycles();
+  ~Host_JackCycles();
+  Host_JackCycles(Host_JackCycles const &) = delete;
+  Host_JackCycles & operator=(Host_JackCycles const &) = delete;
+
+  /// Until JACK has called every client since, so that nothing is left in their queues; not for
+  /// long if the server does not go on.
+  void WaitForNext() const;
+
+private:
+  struct Client;
+
+  std::unique_ptr<Client> mClient;
+};

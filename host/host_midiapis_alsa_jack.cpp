@@ -1,5 +1,9 @@
 #include "host/host_midiapis.h"
 
+#include <atomic>
+#include <chrono>
+#include <thread>
+
 #include <alsa/asoundlib.h>
 #include <jack/jack.h>
 
@@ -8,6 +12,15 @@ namespace {
 void IgnoreAlsa(char const *, int, char const *, int, char const *, ...) {}
 
 void IgnoreJack(char const *) {}
+
+int CountCycle(jack_nframes_t, void * ioCount) {
+  ++*static_cast<std::atomic<int> *>(ioCount);
+  return 0;
+}
+
+// The first cycle may have begun before, and a client may be called late in the second.
+constexpr int kNumCycles = 3;
+constexpr int kMaxMilliseconds = 2000;
 
 }  // namespace
 
@@ -29,4 +42,27 @@ bool Host_IsJackRunning() {
   if (!client) return false;
   jack_client_close(client);
   return true;
+}
+
+struct Host_JackCycles::Client {
+  jack_client_t * mClient;
+  std::atomic<int> mNumCycles{0};
+};
+
+// Opened at once, since a second client opened after the death of the server ends the program.
+Host_JackCycles::Host_JackCycles()
+    : mClient(new Client{jack_client_open("vrad-cycles", JackNoStartServer, nullptr)}) {
+  if (!mClient->mClient) return;
+  jack_set_process_callback(mClient->mClient, CountCycle, &mClient->mNumCycles);
+  jack_activate(mClient->mClient);
+}
+
+Host_JackCycles::~Host_JackCycles() {
+  if (mClient->mClient) jack_client_close(mClient->mClient);
+}
+
+void Host_JackCycles::WaitForNext() const {
+  int const last = mClient->mNumCycles + kNumCycles;
+  for (int i = 0; i < kMaxMilliseconds && mClient->mNumCycles < last; ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }

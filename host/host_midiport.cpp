@@ -21,7 +21,7 @@ constexpr size_t kRingSize = 1 << 20;
 // still goes out in time.
 constexpr std::chrono::nanoseconds kLatency = 10ms;
 constexpr std::chrono::nanoseconds kLongestSleep = 1ms;
-constexpr std::chrono::nanoseconds kPatience = 3s;
+constexpr std::chrono::nanoseconds kPatience = 10s;
 // RtMidi drops longer ones for JACK, and the longest that it accepts makes it wait for ever.
 constexpr size_t kMaxJackMessage = 16000;
 
@@ -92,7 +92,7 @@ public:
     ListPlaces(names, places);
     size_t const index = Host_FindMidiPort(names, iPort);
     mName = names[index];
-    mIsJack = places[index].mApi == RtMidi::UNIX_JACK;
+    if (places[index].mApi == RtMidi::UNIX_JACK) mCycles = std::make_unique<Host_JackCycles>();
     mOut = Reach(places[index].mApi, iClientName);
     if (mOut) mOut->openPort(places[index].mNumber, "out");
     if (!mOut || !mOut->isPortOpen()) {
@@ -125,7 +125,10 @@ public:
         Send(message);
       }
     }
+    // RtMidi closes a JACK port without waiting for what it was given last.
+    if (mCycles) mCycles->WaitForNext();
     mOut.reset();
+    mCycles.reset();
     mHasEnded = true;
   }
 
@@ -141,7 +144,7 @@ private:
   }
 
   void Send(std::vector<unsigned char> const & iMessage) {
-    if (mIsJack && iMessage.size() > kMaxJackMessage) {
+    if (mCycles && iMessage.size() > kMaxJackMessage) {
       CountLoss();
     } else {
       mOut->sendMessage(iMessage.data(), iMessage.size());
@@ -149,7 +152,7 @@ private:
   }
 
   Host_MidiPortName mName;
-  bool mIsJack = false;
+  std::unique_ptr<Host_JackCycles> mCycles;  // of JACK alone
   std::unique_ptr<RtMidiOut> mOut;
   Host_BlockClock mClock;
   Host_MidiRing mRing;

@@ -49,7 +49,7 @@ public:
   void BeginBlock(int iNumSamples) override;
   void ReceiveMessage(Host_WireMessage const & iMessage) override;
 
-  /// Sends what is queued and closes the port. One that does not answer is given up after some
+  /// Sends what is queued and closes the port. One that does not answer is given up after ten
   /// seconds. What comes afterwards is ignored; a second call does nothing.
   void Close();
 

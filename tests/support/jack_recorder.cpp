@@ -18,7 +18,7 @@
 namespace {
 
 struct Message {
-  jack_nframes_t mFrame;
+  jack_time_t mTime;
   std::vector<unsigned char> mBytes;
 };
 
@@ -33,12 +33,12 @@ struct Recording {
 int Record(jack_nframes_t iNumFrames, void * ioRecording) {
   Recording & recording = *static_cast<Recording *>(ioRecording);
   void * const buffer = jack_port_get_buffer(recording.mPort, iNumFrames);
-  jack_nframes_t const start = jack_last_frame_time(recording.mClient);
+  jack_time_t const now = jack_get_time();
   for (jack_nframes_t i = 0; i < jack_midi_get_event_count(buffer); ++i) {
     jack_midi_event_t event;
     if (jack_midi_event_get(&event, buffer, i) != 0) continue;
     recording.mMessages.push_back(
-        {start + event.time, std::vector<unsigned char>(event.buffer, event.buffer + event.size)});
+        {now, std::vector<unsigned char>(event.buffer, event.buffer + event.size)});
   }
   return 0;
 }
@@ -46,7 +46,7 @@ int Record(jack_nframes_t iNumFrames, void * ioRecording) {
 void Write(std::vector<Message> const & iMessages, char const * iPath) {
   std::ofstream out(iPath);
   for (Message const & message : iMessages) {
-    out << message.mFrame;
+    out << message.mTime;
     for (unsigned char byte : message.mBytes) {
       std::array<char, 4> text;
       std::snprintf(text.data(), text.size(), " %02x", static_cast<unsigned>(byte));

@@ -3,8 +3,9 @@
 
 For each file it works out from mido's messages what `vrad wire --as jsonl` must print: each channel
 message and each sysex that a clip keeps, in the right clip and at the right time, every note with
-its note-off and its release velocity, and no other message but those that a stop sends at the end.
-What a clip does not keep is what `check_against_mido.py` finds reported.
+its note-off and its release velocity, and no other message. What a clip does not keep is what
+`check_against_mido.py` finds reported. A player that is stopped behind the end must send besides
+what brings pedals, bend and pressures to rest, and nothing else.
 
 Ends with status 77, after a line that says why, when mido or the files cannot be had.
 
@@ -18,6 +19,7 @@ import sys
 import check_against_mido
 
 PEDALS = (64, 66, 67, 69)
+TICKS_BEHIND = 960000  # from the last message to the stop
 
 
 def note_messages(event):
@@ -95,25 +97,42 @@ def resets(expectation, clip):
             yield (key + b"\x00").hex(" ")
 
 
+def behind(sent, last):
+    """The time of the stop: the first tick of its sample, whichever that is at the tempo."""
+    times = {time for clip in sent.values() for time, _ in clip if time > last}
+    return times.pop() if len(times) == 1 else last + TICKS_BEHIND
+
+
+def send(tool, path, *options):
+    lines = check_against_mido.run(tool, "wire", path, "--as", "jsonl", *options).splitlines()
+    return sent_messages(lines)
+
+
+def is_same(what, expected, sent):
+    is_right = True
+    for clip in sorted(expected.keys() | sent.keys()):
+        missing, extra = expected[clip] - sent[clip], sent[clip] - expected[clip]
+        is_right = is_right and not extra and not missing
+        check_against_mido.show_difference(f"{what}, clip {clip}", missing, extra)
+    return is_right
+
+
 def check(tool, path):
     expectation = check_against_mido.Expectation(path)
     expected = expected_messages(expectation)
-    lines = check_against_mido.run(tool, "wire", path, "--as", "jsonl").splitlines()
-    sent = sent_messages(lines)
-    is_right, num_resets = True, 0
+    sent = send(tool, path)
+    is_right = is_same("whole file", expected, sent)
     last = max((time for clip in expected.values() for time, _ in clip), default=0)
-    for clip in sorted(expected.keys() | sent.keys()):
-        missing, extra = expected[clip] - sent[clip], sent[clip] - expected[clip]
-        stop = {key: count for key, count in extra.items() if key[0] >= last}
-        wanted = collections.Counter(resets(expectation, clip))
-        if collections.Counter(text for _, text in stop) == wanted:
-            extra -= collections.Counter(stop)
-        num_resets += len(stop)
-        is_right = is_right and not extra and not missing
-        check_against_mido.show_difference(f"clip {clip}", missing, extra)
+    stop = [(clip, text) for clip in expected for text in resets(expectation, clip)]
+    if stop:
+        sent_to_stop = send(tool, path, "--to", f"{last + TICKS_BEHIND}t")
+        for clip, text in stop:
+            expected[clip][behind(sent_to_stop, last), text] += 1
+        is_right = is_same("with a stop", expected, sent_to_stop) and is_right
+    num_messages = sum(sum(clip.values()) for clip in sent.values())
     num_notes = sum(event["kind"] == 3 for event in expectation.events)
-    print(f"{'ok' if is_right else 'WRONG'}  {os.path.basename(path)}: {len(lines)} messages, "
-          f"{num_notes} notes, {num_resets} sent by the stop")
+    print(f"{'ok' if is_right else 'WRONG'}  {os.path.basename(path)}: {num_messages} messages, "
+          f"{num_notes} notes, {len(stop)} values reset by a stop")
     return is_right
 
 

@@ -16,12 +16,14 @@ namespace {
 // Long, since most samples of a file bring nothing.
 constexpr long long kBlockSize = 1 << 20;
 
-// Plays the range and stops.
+// Plays the range and stops at its end. One without an end goes on to where nothing sounds any
+// more: a stop would only add what the song does not hold.
 bool Play(Tool_Range const & iRange, Host_Song const & iSong, Host_MessageList & ioList) {
   Tool_Player tool(iSong, iRange.GetClips(), ioList);
   Host_BlockPlayer & player = tool.GetPlayer();
   Time_Typed const start = std::max(iRange.GetStart(), Time_Typed(Time_Tick(0)));
   long long position = Tool_ToSample(start);
+  bool const isToStop = iRange.GetEnd() != Time_Typed::MaxTime(Time_eType_Ticks);
   long long const end =
       std::min(Tool_ToSample(iRange.GetEnd()), Tool_FindEnd(iSong, iRange.GetClips()));
   if (position >= end) return true;
@@ -29,7 +31,7 @@ bool Play(Tool_Range const & iRange, Host_Song const & iSong, Host_MessageList &
   for (; position < end; position += kBlockSize) {
     player.Process(static_cast<int>(std::min(kBlockSize, end - position)));
   }
-  player.Stop();
+  if (isToStop) player.Stop();
   player.Process(0);
   return tool.TellLostNotes();
 }
@@ -52,6 +54,13 @@ CLI::App * Tool_WireCommand::AddTo(CLI::App & ioApp) {
   Tool_AddFileOption(*command, mFile);
   mRange.AddTo(*command);
   Tool_AddFormOption(*command, mAs);
+  command->footer(
+      command->get_footer() +
+      "\nThe player starts at --from, with what is in force and sounds there, and stops at\n"
+      "--to, where notes, pedals, bends and pressures end. --offset, --window and --filter\n"
+      "choose what is printed of it. Muted notes are never sent, so that --skip-muted\n"
+      "changes nothing; neither does --note-offs. Each message has the time of its event,\n"
+      "to the tick; those of a start or stop have the first tick of its sample.");
   return command;
 }
 
