@@ -109,7 +109,7 @@ struct LumTraceRecorder::Records {
     sCurrentP->mLines.emplace_back(iFacility, iText);
   }
 
-  Slots const mFormerSlots;
+  Slots const mFormerSlots{};
   Records * const mFormerP = sCurrentP;
   mutable std::mutex mMutex;
   std::set<unsigned> mInactive;                          // guarded by mMutex

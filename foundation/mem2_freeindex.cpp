@@ -119,5 +119,5 @@ int Mem2_FreeIndex::FindFrom(int iPage, int iRun) {
 }
 
 Mem2_FreeIndex::Node & Mem2_FreeIndex::At(int iLevel, int iIndex) const {
-  return mNodes[static_cast<size_t>(mFirstNodes[iLevel] + iIndex)];
+  return mNodes[static_cast<size_t>(mFirstNodes[iLevel]) + static_cast<size_t>(iIndex)];
 }

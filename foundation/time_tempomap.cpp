@@ -33,7 +33,7 @@ void CheckPositive(double iValue, char const * iWhat) {
 }
 
 std::shared_ptr<Time_TempoNumbers> MakeUniformNumbers(double iTempo) {
-  auto const numbersP = std::make_shared<Time_TempoNumbers>();
+  auto numbersP = std::make_shared<Time_TempoNumbers>();
   numbersP->mLines.push_back({0, iTempo, 0, 0});
   numbersP->Derive(sSampleRate);
   return numbersP;

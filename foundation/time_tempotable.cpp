@@ -172,7 +172,7 @@ std::unique_ptr<Time_TempoTable> Time_TempoTable::MakeAppended(long long iTick, 
 }
 
 std::shared_ptr<Time_TempoNumbers> Time_TempoTable::CopyNumbers() const {
-  auto const numbersP = std::make_shared<Time_TempoNumbers>();
+  auto numbersP = std::make_shared<Time_TempoNumbers>();
   numbersP->mLines.reserve(2 * static_cast<size_t>(mNumLines));
   numbersP->mLines.assign(mLinesP, mLinesP + mNumLines);
   numbersP->mWides.reserve(2 * static_cast<size_t>(mNumWides));

@@ -128,7 +128,7 @@ void Vrad_NoteListBase::ChangeNote(Time_Typed iTime, Vrae_NoteWithDurationEvent 
 
 // A note that becomes long enters the long note list as it was, old duration included.
 void Vrad_NoteListBase::ChangeNote(iterator iIter, Vrae_NoteWithDurationEvent const & iNew) {
-  Vrad_NoteListBase_Note const former(*iIter);
+  Vrad_NoteListBase_Note const & former = *iIter;
   Vrad_NoteListBase_Note changed(former);
   changed.mEvent = iNew;
   if (mLongNoteListP) {
