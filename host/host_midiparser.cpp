@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "host/host_midibytes.h"
+#include "host/host_miditiming.h"
 
 namespace {
 
@@ -182,15 +183,13 @@ private:
     if (iFormat > 2) {
       throw Host_MidiFileError(8, "format " + std::to_string(iFormat) + "; 0, 1 and 2 are known");
     }
+    if (Host_IsDivision(static_cast<int>(iDivision))) return;
     if (iDivision == 0) throw Host_MidiFileError(12, "a division of 0 ticks");
-    if (iDivision < 0x8000) return;
-    unsigned const framesPerSecond = 0x100 - (iDivision >> 8);
-    constexpr std::array<unsigned, 4> kKnown = {24, 25, 29, 30};
-    if (std::find(kKnown.begin(), kKnown.end(), framesPerSecond) == kKnown.end()) {
-      throw Host_MidiFileError(12, "a division of " + std::to_string(framesPerSecond) +
-                                       " frames a second; 24, 25, 29 and 30 are known");
+    if (Host_IsDivision(static_cast<int>(iDivision | 1))) {
+      throw Host_MidiFileError(13, "a division of 0 ticks to the frame");
     }
-    if ((iDivision & 0xff) == 0) throw Host_MidiFileError(13, "a division of 0 ticks to the frame");
+    throw Host_MidiFileError(12, "a division of " + std::to_string(0x100 - (iDivision >> 8)) +
+                                     " frames a second; 24, 25, 29 and 30 are known");
   }
 
   // Gives the offset where the next chunk should stand.

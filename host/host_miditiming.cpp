@@ -15,6 +15,15 @@ long long Scale(long long iNumber, long long iNumerator, long long iDenominator)
 
 }  // namespace
 
+bool Host_IsDivision(int iDivision) {
+  if (iDivision <= 0 || iDivision > 0xffff) return false;
+  if (iDivision < 0x8000) return true;
+  int const framesPerSecond = 0x100 - (iDivision >> 8);
+  bool const isKnown = framesPerSecond == 24 || framesPerSecond == 25 || framesPerSecond == 29 ||
+                       framesPerSecond == 30;
+  return isKnown && (iDivision & 0xff) != 0;
+}
+
 Host_MidiTiming::Host_MidiTiming(int iDivision)
     : mTicks(iDivision),
       mFramesPerSecond(0),

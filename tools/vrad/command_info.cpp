@@ -19,7 +19,7 @@ namespace {
 
 constexpr size_t kMaxNameLength = 24;
 
-std::string GetTrackName(Host_MidiFile const & iFile, int iTrack) {
+std::string GetTrackName(Host_Song const & iFile, int iTrack) {
   return Tool_MakePrintable(iFile.mTracks[static_cast<size_t>(iTrack)].mName, kMaxNameLength);
 }
 
@@ -27,9 +27,11 @@ std::string Plural(long long iNumber, char const * iNoun) {
   return fmt::format("{} {}{}", iNumber, iNoun, iNumber == 1 ? "" : "s");
 }
 
-void PrintFormat(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+void PrintFormat(Tool_Output & ioOut, Host_Song const & iFile) {
   Host_MidiTiming const & timing = iFile.mTiming;
-  ioOut.Print("  Standard MIDI File, format {}, ", iFile.mHeader.mFormat);
+  char const * const kind =
+      iFile.mKind == kFileKind_Project ? "Project, as a MIDI file of" : "Standard MIDI File,";
+  ioOut.Print("  {} format {}, ", kind, iFile.mHeader.mFormat);
   if (timing.IsSMPTE()) {
     ioOut.Print("{} ticks to the frame at {} frames a second\n", timing.GetTicks(),
                 timing.GetFramesPerSecond() == 29 ? "29.97"
@@ -39,7 +41,7 @@ void PrintFormat(Tool_Output & ioOut, Host_MidiFile const & iFile) {
   }
 }
 
-void PrintLength(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+void PrintLength(Tool_Output & ioOut, Host_Song const & iFile) {
   Time_Typed const end = iFile.GetEnd();
   Time_Typed const inSamples = Time_Convert::sTimeConverter->ToType(end, Time_eType_Samples);
   double const seconds = static_cast<double>(inSamples.AsInt64()) / Time_Globals::GetSampleRate();
@@ -52,7 +54,7 @@ double Round(double iBeatsPerMinute) {
   return std::round(iBeatsPerMinute * 100) / 100;
 }
 
-void PrintTempo(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+void PrintTempo(Tool_Output & ioOut, Host_Song const & iFile) {
   std::vector<Host_TempoChange> const & changes = iFile.mTempoChanges;
   double const first = Time_Convert::GetDefaultTempoMap().GetTempoAt(Time_Tick(0));
   ioOut.Print("  tempo    {} beats a minute", Round(first));
@@ -91,7 +93,7 @@ void PrintMarks(Tool_Output & ioOut, Host_BarMap const & iBars, char const * iLa
   ioOut.Print("\n");
 }
 
-void PrintTimeSignatures(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+void PrintTimeSignatures(Tool_Output & ioOut, Host_Song const & iFile) {
   std::vector<BarMark> marks;
   for (Host_TimeSignature const & signature : iFile.mTimeSignatures) {
     if (marks.empty() && signature.mTime.AsInt64() > 0) marks.push_back({Time_Tick(0), "4/4"});
@@ -103,7 +105,7 @@ void PrintTimeSignatures(Tool_Output & ioOut, Host_MidiFile const & iFile) {
 }
 
 // The keys of all tracks; one that several tracks have at one time is told once.
-void PrintKeySignatures(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+void PrintKeySignatures(Tool_Output & ioOut, Host_Song const & iFile) {
   std::set<std::pair<long long, std::string>> told;
   std::vector<BarMark> marks;
   for (Host_KeySignature const & signature : iFile.mKeySignatures) {
@@ -128,7 +130,7 @@ void PrintName(Tool_Output & ioOut, std::string const & iName, size_t iWidth) {
   ioOut.Print("  {}{:{}}", iName, "", iWidth - std::min(iWidth, Tool_GetNumChars(iName)));
 }
 
-void PrintClips(Tool_Output & ioOut, Host_MidiFile const & iFile) {
+void PrintClips(Tool_Output & ioOut, Host_Song const & iFile) {
   size_t width = 4;
   for (Host_Clip const & clip : iFile.mClips) {
     width = std::max(width, Tool_GetNumChars(GetTrackName(iFile, clip.mTrack)));
@@ -179,7 +181,7 @@ CLI::App * Tool_InfoCommand::AddTo(CLI::App & ioApp) {
 }
 
 int Tool_InfoCommand::Run() const {
-  Host_MidiFile const file = Tool_LoadFile(mFile);
+  Host_Song const file = Tool_LoadFile(mFile);
   Tool_Output out;
   out.Print("{}\n", mFile);
   PrintFormat(out, file);

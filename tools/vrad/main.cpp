@@ -8,7 +8,10 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include "tools/vrad/command_check.h"
+#include "tools/vrad/command_convert.h"
 #include "tools/vrad/command_dump.h"
+#include "tools/vrad/command_edit.h"
 #include "tools/vrad/command_events.h"
 #include "tools/vrad/command_info.h"
 #include "tools/vrad/command_jump.h"
@@ -25,8 +28,8 @@ namespace {
 
 // In the order in which the help lists them.
 typedef std::tuple<Tool_InfoCommand, Tool_EventsCommand, Tool_WireCommand, Tool_StateCommand,
-                   Tool_JumpCommand, Tool_PlayCommand, Tool_DumpCommand, Tool_PictureCommand,
-                   Tool_ScrubCommand>
+                   Tool_JumpCommand, Tool_PlayCommand, Tool_ConvertCommand, Tool_DumpCommand,
+                   Tool_PictureCommand, Tool_EditCommand, Tool_ScrubCommand, Tool_CheckCommand>
     Commands;
 
 struct Entry {

@@ -1,25 +1,64 @@
 #include "tools/vrad/tool_load.h"
 
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
 #include <new>
 #include <system_error>
 
 #include <fmt/format.h>
 
+#include "foundation/sys_stream.h"
 #include "foundation/time_convert.h"
+#include "host/host_midifile.h"
+#include "host/host_midiwriter.h"
+#include "host/host_projectfile.h"
 #include "tools/vrad/tool_error.h"
 #include "tools/vrad/tool_output.h"
 #include "tools/vrad/tool_progress.h"
 
 namespace {
 
-Host_MidiFile ReadFile(std::string const & iPath) {
+// In lower case, with its dot.
+std::string GetEnding(std::string const & iPath) {
+  std::string ending = std::filesystem::path(iPath).extension().string();
+  std::transform(ending.begin(), ending.end(), ending.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return ending;
+}
+
+void TellNotWritten(std::string const & iPath, Host_WriteReport const & iReport) {
+  for (Host_WriteReport::NotWritten const & what : iReport.GetNotWritten()) {
+    std::string const place =
+        what.mClip < 0 ? fmt::format("at {}t", what.mTime.AsTick().AsInt64())
+                       : fmt::format("clip {} at {}t", what.mClip, what.mTime.AsTick().AsInt64());
+    Tool_TellError(
+        fmt::format("{}: not kept: {} x {}, first {}", iPath, what.mCount, what.mName, place));
+  }
+}
+
+}  // namespace
+
+Host_EFileKind Tool_GetFileKind(std::string const & iWhat, std::string const & iPath) {
+  std::string const ending = GetEnding(iPath);
+  if (ending == ".vrad") return kFileKind_Project;
+  if (ending == ".mid" || ending == ".midi") return kFileKind_Midi;
+  throw Tool_UsageError(fmt::format("{}: '{}' ends neither in .vrad nor in .mid", iWhat, iPath));
+}
+
+Host_Song Tool_ReadFile(std::string const & iPath) {
   try {
     Tool_ProgressBar bar;
-    return Host_ReadMidiFile(
-        iPath, [&bar](size_t iNumDone, size_t iNumBytes) { bar.Show(iNumDone, iNumBytes); });
+    Host_Progress const progress = [&bar](size_t iNumDone, size_t iNumBytes) {
+      bar.Show(iNumDone, iNumBytes);
+    };
+    if (GetEnding(iPath) == ".vrad") return Host_ReadProjectFile(iPath, progress);
+    return Host_ReadMidiFile(iPath, progress);
   } catch (Host_MidiFileError const & error) {
     throw Tool_InputError(
         fmt::format("{}: offset {:#x}: {}", iPath, error.GetOffset(), error.what()));
+  } catch (Host_ProjectFileError const & error) {
+    throw Tool_InputError(fmt::format("{}: offset 0x0: {}", iPath, error.what()));
   } catch (std::system_error const & error) {
     throw Tool_InputError(fmt::format("{}: {}", iPath, error.code().message()));
   } catch (std::bad_alloc const &) {
@@ -27,9 +66,34 @@ Host_MidiFile ReadFile(std::string const & iPath) {
   }
 }
 
-void TellLosses(std::string const & iPath, Host_MidiReport const & iReport) {
+Host_Song Tool_LoadFile(std::string const & iPath) {
+  Host_Song song = Tool_ReadFile(iPath);
+  song.FillTempoMap(Time_Convert::GetDefaultTempoMap());
+  Tool_TellProblems(iPath, song.mReport, true);
+  return song;
+}
+
+void Tool_SaveFile(std::string const & iPath, Host_Song const & iSong) {
+  try {
+    if (Tool_GetFileKind("OUT", iPath) == kFileKind_Project) {
+      return Host_WriteProjectFile(iSong, iPath);
+    }
+    Host_WriteReport report;
+    Host_WriteMidiFile(iSong, iPath, report);
+    TellNotWritten(iPath, report);
+  } catch (Host_MidiWriteError const & error) {
+    throw Tool_InputError(fmt::format("{}: {}", iPath, error.what()));
+  } catch (Sys_StreamException const & error) {
+    throw Tool_InputError(fmt::format("{}: {}", iPath, error.what()));
+  } catch (std::bad_alloc const &) {
+    throw Tool_InputError(fmt::format("{}: out of memory", iPath));
+  }
+}
+
+void Tool_TellProblems(std::string const & iPath, Host_MidiReport const & iReport,
+                       bool iOnlyLosses) {
   for (Host_MidiReport::Problem const & problem : iReport.GetProblems()) {
-    if (!problem.mIsLoss) continue;
+    if (iOnlyLosses && !problem.mIsLoss) continue;
     Tool_TellError(fmt::format("{}: offset {:#x}: {}", iPath, problem.mOffset, problem.mText));
   }
   long long const numMore =
@@ -37,15 +101,6 @@ void TellLosses(std::string const & iPath, Host_MidiReport const & iReport) {
   if (numMore > 0) Tool_TellError(fmt::format("{}: {} more problems", iPath, numMore));
 }
 
-}  // namespace
-
-Host_MidiFile Tool_LoadFile(std::string const & iPath) {
-  Host_MidiFile file = ReadFile(iPath);
-  file.FillTempoMap(Time_Convert::GetDefaultTempoMap());
-  TellLosses(iPath, file.mReport);
-  return file;
-}
-
-int Tool_GetStatus(Host_MidiFile const & iFile) {
-  return iFile.mReport.IsLossy() ? kStatus_BadInput : kStatus_Done;
+int Tool_GetStatus(Host_Song const & iSong) {
+  return iSong.mReport.IsLossy() ? kStatus_BadInput : kStatus_Done;
 }
