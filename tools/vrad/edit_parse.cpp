@@ -168,7 +168,7 @@ char const * Edit_GetCommandHelp() {
          "  nudge times LEN [POS POS]     move everything, or what begins in the range\n"
          "  nudge starts LEN [POS POS]    move where notes begin, not where they end\n"
          "  nudge durations LEN [POS POS] lengthen or shorten notes\n"
-         "  nudge pitches LEN [POS POS]   a semitone down if LEN is positive, else up\n"
+         "  nudge pitches LEN [POS POS]   a semitone down if LEN is positive, up if negative\n"
          "  erase-stream WHICH [POS POS]  WHICH: cc1 to cc119, bend, program, mono, poly0 to "
          "poly127\n"
          "  quantize [LEN]                move by LEN, then to the grid of 1000 ticks\n"

@@ -1,0 +1,216 @@
+#!/usr/bin/env python3
+"""Edits files with the tool and reads back what comes of it.
+
+Usage: edit_test.py TOOL [unittest options]
+"""
+import json
+import os
+import unittest
+
+import tool_case
+from tool_case import header, track
+
+# Library ticks of a file tick.
+TICK = 2000
+
+# Channel 0: notes at 0, 480 and 960 for 240 file ticks each; volume at 0 and 960, a bend at 480.
+# Channel 1: one note.
+SONG = header(1, 2, 480) + track(
+    [0, 0xB0, 7, 100], [0, 0x90, 60, 80],
+    [0x81, 0x70, 0x80, 60, 64],         # 240
+    [0x81, 0x70, 0xE0, 0, 0x50],        # 480
+    [0, 0x90, 62, 81],
+    [0x81, 0x70, 0x80, 62, 64],         # 720
+    [0x81, 0x70, 0xB0, 7, 90],          # 960
+    [0, 0x90, 64, 82],
+    [0x81, 0x70, 0x80, 64, 64],         # 1200
+) + track([0, 0x91, 40, 70], [0x83, 0x60, 0x81, 40, 64])
+
+# Channel 0: a note that overlaps the first of the above, and one of another pitch. Channel 2: one.
+TAKE = header(1, 3, 480) + track(
+    [0x78, 0x90, 60, 99],               # 120
+    [0x81, 0x70, 0x80, 60, 64],         # 360
+    [0, 0x90, 72, 99],
+    [0x78, 0x80, 72, 64],               # 480
+) + track() + track([0, 0x92, 50, 51], [0x78, 0x82, 50, 64])
+
+
+class Edit(tool_case.Tool):
+    def setUp(self):
+        super().setUp()
+        self.song = self.write("song.mid", SONG)
+        self.out = os.path.join(self.folder, "out.vrad")
+
+    def run_for(self, status, *words):
+        done, out, err = self.run_tool(*words)
+        self.assertEqual(done, status, err)
+        return out, err
+
+    def edit(self, *commands, status=0):
+        return self.run_for(status, "edit", self.song, self.out, *commands)
+
+    def events(self, path=None, **wanted):
+        lines = self.run_for(0, "events", path or self.out, "--as", "jsonl")[0].splitlines()
+        events = [json.loads(line) for line in lines]
+        return [e for e in events if all(e.get(k) == v for k, v in wanted.items())]
+
+    def notes(self, channel=0):
+        return [(e["time"] // TICK, e["pitch"], e["duration"] // TICK)
+                for e in self.events(channel=channel, kind=3)]
+
+    def times(self, **wanted):
+        return [e["time"] // TICK for e in self.events(**wanted)]
+
+
+class Commands(Edit):
+    def test_nudge_times_moves_everything(self):
+        out, _ = self.edit("nudge times 960000t")
+        self.assertEqual(out, "nudge times 960000t\n"
+                         "  track 0, channel 0: notes: 3 changed; other events: 3 moved\n"
+                         "  track 1, channel 1: notes: 1 changed\n")
+        self.assertEqual(self.notes(), [(480, 60, 240), (960, 62, 240), (1440, 64, 240)])
+        self.assertEqual(self.times(kind=5), [480, 1440])
+        self.assertEqual(self.times(kind=4), [960])
+
+    def test_nudge_takes_a_range(self):
+        self.edit("nudge times 96000t 960000t 1920000t")
+        self.assertEqual(self.notes(), [(0, 60, 240), (528, 62, 240), (960, 64, 240)])
+        self.assertEqual(self.times(kind=4), [528])
+
+    def test_nudge_starts_keeps_ends(self):
+        self.edit("--clip", "0", "nudge starts 200000t")
+        self.assertEqual(self.notes(), [(100, 60, 140), (580, 62, 140), (1060, 64, 140)])
+        self.assertEqual(self.times(kind=5), [0, 960])
+
+    def test_nudge_starts_refuses_to_leave_a_note_no_length(self):
+        out, _ = self.edit("nudge starts 480000t")
+        self.assertEqual(out, "nudge starts 480000t\n"
+                         "  track 1, channel 1: notes: 1 changed\n")
+        self.assertEqual(self.notes(), [(0, 60, 240), (480, 62, 240), (960, 64, 240)])
+
+    def test_nudge_durations_shortens(self):
+        out, _ = self.edit("--clip", "0", "nudge durations -80000t")
+        self.assertIn("notes: 3 shortened\n", out)
+        self.assertEqual(self.notes(), [(0, 60, 200), (480, 62, 200), (960, 64, 200)])
+
+    def test_nudge_pitches_lowers_for_a_positive_length_and_raises_for_a_negative_one(self):
+        self.edit("--clip", "0", "nudge pitches 12t")
+        self.assertEqual([n[1] for n in self.notes()], [59, 61, 63])
+        self.edit("--clip", "0", "nudge pitches -12t")
+        self.assertEqual([n[1] for n in self.notes()], [61, 63, 65])
+
+    def test_erase_range_takes_what_begins_in_it(self):
+        out, _ = self.edit("erase-range 1t 1920000t")
+        self.assertEqual(out, "erase-range 1t 1920000t\n"
+                         "  track 0, channel 0: notes: 1 dropped; other events: 1 dropped\n")
+        self.assertEqual(self.notes(), [(0, 60, 240), (960, 64, 240)])
+
+    def test_a_range_can_be_told_in_bars(self):
+        self.edit("erase-range 1:2 1:3")
+        self.assertEqual(self.notes(), [(0, 60, 240), (960, 64, 240)])
+
+    def test_copy_range_keeps_the_original(self):
+        out, _ = self.edit("--clip", "0", "copy-range 0t 960000t 3840000t")
+        self.assertIn("notes: 1 added; other events: 1 added\n", out)
+        self.assertEqual(self.notes(),
+                         [(0, 60, 240), (480, 62, 240), (960, 64, 240), (1920, 60, 240)])
+        self.assertEqual(self.times(kind=5), [0, 960, 1920])
+
+    def test_erase_stream_takes_one_controller(self):
+        out, _ = self.edit("erase-stream cc7")
+        self.assertIn("other events: 2 dropped\n", out)
+        self.assertEqual(self.times(kind=5), [])
+        self.assertEqual(self.times(kind=4), [480])
+
+    def test_erase_stream_leaves_the_others_where_the_clip_lacks_it(self):
+        out, _ = self.edit("erase-stream cc6")
+        self.assertEqual(out, "erase-stream cc6\n  nothing changed\n")
+        self.assertEqual(self.times(kind=5), [0, 960])
+
+    def test_quantize_moves_to_the_grid(self):
+        self.edit("nudge times 300t", "quantize")
+        self.assertEqual([e["time"] for e in self.events(channel=0, kind=3)], [0, 960000, 1920000])
+        self.edit("nudge times 600t", "quantize")
+        self.assertEqual([e["time"] for e in self.events(channel=0, kind=5)], [1000, 1921000])
+
+
+class Merge(Edit):
+    def setUp(self):
+        super().setUp()
+        self.take = self.write("a take.mid", TAKE)
+
+    def test_goes_to_the_clip_of_the_same_track_and_channel(self):
+        out, _ = self.edit(f'merge "{self.take}"')
+        self.assertIn("  track 0, channel 0: notes: 2 added\n", out)
+        self.assertEqual(self.notes(), [(0, 60, 240), (120, 60, 240), (360, 72, 120),
+                                        (480, 62, 240), (960, 64, 240)])
+
+    def test_makes_a_clip_where_there_is_none(self):
+        self.edit(f'merge "{self.take}"')
+        self.assertEqual([(e["track"], e["time"], e["pitch"]) for e in self.events(channel=2)],
+                         [(2, 0, 50)])
+
+    def test_avoiding_cuts_what_is_overlapped(self):
+        out, _ = self.edit(f'merge "{self.take}" avoiding')
+        self.assertIn("  track 0, channel 0: notes: 2 added, 1 shortened\n", out)
+        self.assertEqual(self.notes()[0], (0, 60, 120))
+
+    def test_a_clip_that_is_undone_is_not_saved(self):
+        self.edit(f'merge "{self.take}"', "undo")
+        self.assertEqual(self.events(channel=2), [])
+        self.assertIn("2 clips", self.run_for(0, "info", self.out)[0])
+
+    def test_names_the_file_that_it_cannot_read(self):
+        _, err = self.edit("merge nothing.mid", status=1)
+        self.assertIn("nothing.mid: No such file or directory", err)
+        self.assertFalse(os.path.exists(self.out))
+
+
+class UndoAndRedo(Edit):
+    def test_undo_takes_back_one_command(self):
+        self.edit("nudge times 960000t", "erase-range 0t 100000000t", "undo")
+        self.assertEqual(self.notes(), [(480, 60, 240), (960, 62, 240), (1440, 64, 240)])
+
+    def test_redo_repeats_it(self):
+        self.edit("erase-stream cc7", "undo", "redo")
+        self.assertEqual(self.times(kind=5), [])
+
+    def test_undoing_everything_gives_the_song_back(self):
+        self.edit("nudge times 960000t", "erase-range 1:1 1:3", "copy-range 1:1 3:1 1000t",
+                  "nudge pitches 1t", "quantize", "erase-stream bend", *["undo"] * 6)
+        self.assertEqual(self.events(), self.events(self.song))
+
+    def test_undo_tells_what_changed(self):
+        out, _ = self.edit("erase-stream cc7", "undo")
+        self.assertTrue(out.endswith("undo\n  track 0, channel 0: other events: 2 added\n"))
+
+    def test_without_a_step_is_a_mistake_and_nothing_is_saved(self):
+        _, err = self.edit("erase-stream cc7", "undo", "undo", status=2)
+        self.assertIn("'undo': there is nothing to undo", err)
+        self.assertFalse(os.path.exists(self.out))
+
+
+class Mistakes(Edit):
+    def test_a_command_is_checked_before_the_file_is_read(self):
+        _, err = self.run_for(2, "edit", "nothing.mid", self.out, "shift 3t")
+        self.assertIn("'shift' is not one of merge,", err)
+
+    def test_the_output_is_a_project(self):
+        _, err = self.run_for(2, "edit", self.song, "out.mid", "quantize")
+        self.assertIn("'out.mid' does not end in .vrad", err)
+
+    def test_a_range_ends_behind_its_beginning(self):
+        _, err = self.edit("erase-range 2t 1t", status=2)
+        self.assertIn("a range ends before it begins", err)
+
+    def test_a_place_that_the_bars_do_not_have(self):
+        _, err = self.edit("erase-range 1:5 2:1", status=2)
+        self.assertIn("bar 1 has beats 1 to 4", err)
+
+    def test_a_clip_that_the_file_does_not_have(self):
+        _, err = self.edit("--clip", "9", "quantize", status=2)
+        self.assertIn("--clip: the file has clips 0 to 1", err)
+
+
+if __name__ == "__main__":
+    unittest.main()
