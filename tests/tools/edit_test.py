@@ -190,6 +190,14 @@ class UndoAndRedo(Edit):
         self.assertFalse(os.path.exists(self.out))
 
 
+class Readme(Edit):
+    def test_shows_what_the_tool_prints(self):
+        out, _ = self.run_for(0, "edit", tool_case.DEMO, self.out, "--clip", "4",
+                              "erase-range 2:1 3:1", "nudge times 480000t 5:1 6:1", "undo")
+        with open(os.path.join(tool_case.ROOT, "README.md"), encoding="utf-8") as readme:
+            self.assertIn(out, readme.read())
+
+
 class Mistakes(Edit):
     def test_a_command_is_checked_before_the_file_is_read(self):
         _, err = self.run_for(2, "edit", "nothing.mid", self.out, "shift 3t")
