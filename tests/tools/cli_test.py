@@ -428,10 +428,6 @@ class Progress(Tool):
 
 
 class Demo(Tool):
-    def read(self, name):
-        with open(os.path.join(ROOT, "tests", "golden", name), encoding="utf-8") as lines:
-            return lines.read()
-
     def test_script_writes_the_file_in_the_repository(self):
         path = os.path.join(self.folder, "demo.mid")
         subprocess.run([sys.executable, os.path.join(ROOT, "examples", "make_demo.py"), path],

@@ -146,6 +146,11 @@ clip 1: track 1, channel 1
                     sorted((line["clip"], line["pitch"]) for line in back if line["name"] == other))
 
 
+class Demo(Tool):
+    def test_a_beat_of_the_demo(self):
+        self.expect(["state", DEMO, "--clip", "1", "--at", "2:2"], 0, self.read("demo_state.txt"))
+
+
 class BadCommandLines(Tool):
     def test_positions_are_required(self):
         path = self.write("notes.mid", NOTES)

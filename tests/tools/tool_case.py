@@ -75,3 +75,8 @@ class Tool(unittest.TestCase):
         status, out, err = self.run_tool("events", path, "--as", "jsonl", *options)
         self.assertEqual((status, err), (0, ""))
         return out
+
+    def read(self, name):
+        """What is expected, as it is kept in tests/golden."""
+        with open(os.path.join(ROOT, "tests", "golden", name), encoding="utf-8") as lines:
+            return lines.read()

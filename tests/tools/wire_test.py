@@ -210,6 +210,9 @@ class BadCommandLines(Tool):
 
 
 class Demo(Tool):
+    def test_a_beat_of_the_demo(self):
+        self.expect(["wire", DEMO, "--clip", "1", "--from", "2:1", "--to", "2:2"], 0, self.read("demo_wire.txt"))
+
     def test_each_note_begins_and_ends(self):
         status, out, err = self.run_tool("wire", DEMO, "--as", "jsonl", "--filter", "notes")
         self.assertEqual((status, err), (0, ""))
