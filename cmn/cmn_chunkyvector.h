@@ -217,6 +217,10 @@ public:
   /// index of the first. In front of the lower bound: the record, null if there is none. O(log n).
   int FindSpanFrom(long long iKey, char const ** oFirst, int * oIndex) const;
   char const * FindLastBefore(long long iKey) const;
+  /// Asks memory for what `FindLastBefore` is going to read, so that searches in many sequences
+  /// wait for it together: first for the top, some time later for the chunk.
+  void FetchTop() const;
+  void FetchChunkBefore(long long iKey) const;
   /// The first record in the range whose extent key is greater than `iLimit`; else `iLast`.
   int FindExtentAbove(int iFirst, int iLast, long long iLimit) const;
   /// Walks the parts of the range from the front, from the back. Within a chunk keys come from the

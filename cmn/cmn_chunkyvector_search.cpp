@@ -16,6 +16,12 @@ int NumBefore(long long const * iKeys, int iNum, TGoesBefore iGoesBefore) {
   return static_cast<int>(std::partition_point(iKeys, iKeys + iNum, iGoesBefore) - iKeys);
 }
 
+void Fetch(void const * iP, size_t iNumBytes) {
+  constexpr size_t kBytesPerLine = 64;
+  for (size_t i = 0; i < iNumBytes; i += kBytesPerLine)
+    __builtin_prefetch(static_cast<char const *>(iP) + i);
+}
+
 struct Bound {
   Leaf * mLeafP;  // null: behind all records
   int mOffset;
@@ -143,6 +149,26 @@ char const * Cmn_ChunkyVecImpl::FindLastBefore(long long iKey) const {
   }
   Leaf & leaf = static_cast<Leaf &>(*nodeP);
   return leaf.At(NumBefore(leaf.mOrder, leaf.mNum, goesBefore) - 1);
+}
+
+void Cmn_ChunkyVecImpl::FetchTop() const {
+  if (!mRootP) return;
+  Fetch(mRootP, sizeof(Node));
+  if (!mRootP->IsLeaf())
+    Fetch(static_cast<Inner const &>(*mRootP).mFirst, sizeof(Inner::mFirst) / 2);
+}
+
+void Cmn_ChunkyVecImpl::FetchChunkBefore(long long iKey) const {
+  if (!mRootP || mIsUnsettled) return;
+  Node const * nodeP = mRootP;
+  while (!nodeP->IsLeaf()) {
+    Inner const & inner = static_cast<Inner const &>(*nodeP);
+    int const num =
+        NumBefore(inner.mFirst, inner.mNum, [iKey](long long iOrder) { return iOrder < iKey; });
+    if (num == 0) return;
+    nodeP = inner.mChild[num - 1];
+  }
+  Fetch(nodeP, sizeof(Leaf) + Node::kLeafRoom * sizeof(long long));  // the keys lie behind the leaf
 }
 
 int Cmn_ChunkyVecImpl::GetSpanBefore(int iIndex, long long iKey, char const ** oFirst,

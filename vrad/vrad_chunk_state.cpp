@@ -14,11 +14,20 @@ void EndNoteAt(Vrae_TimedEvent & ioNote, Time_Typed iEnd) {
 
 }  // namespace
 
+// At a position out of the blue nothing is in the processor's cache, and a search waits at each of
+// its steps. So memory is asked ahead for the streams behind the one whose turn it is.
 void Vrad_Chunk::AddChaseStateAtTime(Vrae_ChaseTracker * ioTracker, Time_Typed iFirst,
                                      Time_Typed iSecond) const {
+  constexpr size_t kAhead = 8;
   Time_TypedLength const noOffset(0, iFirst.GetType());
-  for (Ndo_Ptr<Vrad_ContinuousDataStream> const & streamP : mContinuousList)
-    streamP->AccumulateChaseStateAtTime(ioTracker, iFirst, iSecond, noOffset);
+  size_t const num = mContinuousList.size();
+  for (size_t i = 0; i < num + 2 * kAhead; ++i) {
+    if (i < num) mContinuousList[i]->FetchTop();
+    if (i >= kAhead && i - kAhead < num) mContinuousList[i - kAhead]->FetchBefore(iFirst);
+    if (i >= 2 * kAhead)
+      mContinuousList[i - 2 * kAhead]->AccumulateChaseStateAtTime(ioTracker, iFirst, iSecond,
+                                                                  noOffset);
+  }
 }
 
 void Vrad_Chunk::GetChaseStateAtTime(Vrae_ChaseTracker * ioTracker, Time_Typed iFirst,

@@ -87,6 +87,13 @@ public:
   /// if there is none.
   bool GetLastValueChangeBeforeTime(Time_Typed * oTimeP, int * oValueP, Time_Typed iTime) const;
 
+  /// Asks memory for what `GetLastValueChangeBeforeTime` is going to read, in two steps that lie
+  /// some time apart. For who searches many stores at once.
+  void FetchTop() const { mSegments.GetImpl().FetchTop(); }
+  void FetchBefore(Time_Typed iTime) const {
+    if (IsSortedIn(iTime.GetType())) mSegments.GetImpl().FetchChunkBefore(iTime.AsInt64());
+  }
+
   /// The value that holds at `iTime`; a segment exactly there counts.
   /// Fails: throws if no segment lies at or before `iTime`; 0 with throwing off.
   int GetValueAtTime(Time_Typed iTime) const;

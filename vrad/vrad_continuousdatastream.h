@@ -95,6 +95,10 @@ public:
   /// The undo identifier of the data, -1 if it has none.
   long long GetDataID() const { return mDataP.mCachedID; }
 
+  // As in Vrad_ContinuousData, for the accumulation below.
+  void FetchTop() const { GetData().FetchTop(); }
+  void FetchBefore(Time_Typed iTime) const { GetData().FetchBefore(iTime); }
+
   /// Feeds the last value at or before `iTime` to the tracker, unless it is older than `iLimit` or
   /// the tracker has a later one. `iOffset` is added to the time that the tracker is told.
   void AccumulateChaseStateAtTime(Vrae_ChaseTracker * iTrackerP, Time_Typed iTime,
