@@ -170,7 +170,7 @@ TEST_F(Vrad_NoteList_StreamIn, ReportsBadOriginalsAndKeepsThem) {
   EXPECT_EQ("0: 60+480000 100/64, delta -2000, was -1+450000 0/-2", text);
 }
 
-TEST_F(Vrad_NoteList_StreamIn, SetsAnOriginalDurationThatDiffersInUnitAlone) {
+TEST_F(Vrad_NoteList_StreamIn, SetsAnOriginalDurationOfAnotherUnit) {
   Vrad_NoteListBase_Note note = StoredNote(60, 0, 480);
   note.mOrigEvent.SetDuration(SampleLength(12));  // as long as 480 ticks
   Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
@@ -178,6 +178,17 @@ TEST_F(Vrad_NoteList_StreamIn, SetsAnOriginalDurationThatDiffersInUnitAlone) {
   Sys_MemoryInStream stream(Written(list));
   mList.StreamIn(stream);
   EXPECT_EQ("0: 60+480 80/64, delta 0, was 60+12s 80/64", PrintWhole(mList));
+}
+
+TEST_F(Vrad_NoteList_StreamIn, SetsAnOriginalDurationThatDiffersInUnitAlone) {
+  Bytes bytes = ReadGolden("notes_v3");
+  ASSERT_EQ(0xA1, bytes[20 + 2 * 35 + 9]);  // the word of the first original, odd for ticks
+  bytes[20 + 2 * 35 + 9] = 0xA0;
+  Sys_MemoryInStream stream(bytes);
+  mList.StreamIn(stream);
+  EXPECT_EQ(Both("0: 60+480000 100/64, delta -2000, was 61+450000s 90/32, muted",
+                 "480000: 64+240000 1/127, delta 0, was 64+240000 1/127"),
+            PrintWhole(mList));
 }
 
 TEST_F(Vrad_NoteList_StreamIn, SkipsWhatALaterVersionAdded) {
