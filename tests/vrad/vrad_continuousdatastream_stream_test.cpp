@@ -92,11 +92,13 @@ TEST(Vrad_ContinuousDataStream_Reading, RefusesVersion1OfTheStream) {
   EXPECT_EQ("record version 1 is not supported", RefusalOf("continuous_version_1"));
 }
 
-// The stream's record ends there as well.
 TEST(Vrad_ContinuousDataStream_Reading, StandsBehindTheDataAfterDamage) {
-  Sys_MemoryInStream stream = OpenGolden("continuous_backwards");
-  ThrownBy([&] { ReadFrom(stream); });
-  EXPECT_EQ(0, stream.BytesLeft());
+  Bytes bytes = ReadGolden("continuous_longer");
+  ASSERT_EQ(1, bytes[51]);  // the count, at the start of the data's 19 bytes
+  bytes[54] = 0x80;
+  Sys_MemoryInStream stream(bytes);
+  EXPECT_EQ("bad data encountered", ThrownBy([&] { ReadFrom(stream); }));
+  EXPECT_EQ(51 + 19, stream.GetPos());
 }
 
 TEST(Vrad_ContinuousDataStream_Reading, SnapsAsItIsTold) {

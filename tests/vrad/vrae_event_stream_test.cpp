@@ -292,6 +292,17 @@ TEST(Vrae_SubStream_StreamIn, RefusesUnknownTypesWithString202) {
   EXPECT_EQ(Vrae_SubStream::Controller(3), subStream);
 }
 
+TEST(Vrae_SubStream_StreamIn, RefusesEveryTypeFrom6On) {
+  Bytes bytes = ReadGolden("sub_stream_type_6");
+  ASSERT_EQ(6, bytes[15]);
+  for (int type = 6; type < 256; ++type) {
+    bytes[15] = static_cast<unsigned char>(type);
+    Sys_MemoryInStream stream(bytes);
+    Vrae_SubStream subStream;
+    EXPECT_EQ("bad data encountered", ThrownBy([&] { subStream.StreamIn(stream); })) << type;
+  }
+}
+
 TEST(Vrae_SubStream_StreamIn, RefusesSubTypesOutsideTheRangeOfTheType) {
   Vrae_SubStream subStream;
   EXPECT_EQ("bad subtype encountered", Refusal(subStream, "sub_stream_controller_0"));
