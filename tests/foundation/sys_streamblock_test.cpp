@@ -33,12 +33,12 @@ TEST(Sys_BlockOut, WritesWhatTheStreamWould) {
     plain.Write(i % 2 == 0);
     plain.Write(static_cast<signed char>(i));
     plain.Write(static_cast<short>(-i));
-    plain.Write(i * 1000003);
+    plain.Write(i * 100003);
     plain.Write(i * -1000000000007LL);
     out.Write(i % 2 == 0);
     out.Write(static_cast<signed char>(i));
     out.Write(static_cast<short>(-i));
-    out.Write(i * 1000003);
+    out.Write(i * 100003);
     out.Write(i * -1000000000007LL);
   }
   out.Flush();
