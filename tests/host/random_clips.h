@@ -1,6 +1,7 @@
 // Clips, edits and numbers by chance, the same ones each time.
 #pragma once
 
+#include <algorithm>
 #include <random>
 
 #include "player_rig.h"
@@ -24,12 +25,14 @@ private:
 constexpr int kPlainControllers[] = {1, 7, 10, 11, 64, 64, 66, 67, 69, 91};
 
 /// A note of one of a few pitches, so that they meet: most are short, some last for all of the
-/// clip, some a tick.
-inline Vrad_NoteWithDurationExtendedEvent RandomNote(Chance & ioChance, int iLength) {
+/// clip, some hardly at all. `iShortest`: ticks.
+inline Vrad_NoteWithDurationExtendedEvent RandomNote(Chance & ioChance, int iLength,
+                                                     long long iShortest) {
   long long const start = ioChance.Below(iLength) * kTicksPerSample + ioChance.Below(3) % 2;
   long long duration = ioChance.From(1, 400) * kTicksPerSample;
   if (ioChance.OneIn(10)) duration = ioChance.From(1, 60);
   if (ioChance.OneIn(20)) duration = ioChance.Below(iLength) * kTicksPerSample + 1;
+  duration = std::max(duration, iShortest);
   Vrae_NoteWithDurationEvent const note(static_cast<signed char>(ioChance.From(60, 67)),
                                         Time_TickLength(duration),
                                         static_cast<signed char>(ioChance.From(1, 127)),
@@ -84,9 +87,10 @@ inline void AddParameter(Vrad_Chunk & ioChunk, Chance & ioChance, int iSample) {
   }
 }
 
-inline void FillAtRandom(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength) {
+inline void FillAtRandom(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength,
+                         long long iShortest = 1) {
   for (int i = 0; i < iLength / 40; ++i)
-    ioChunk.AddEvent(RandomNote(ioChance, iLength));
+    ioChunk.AddEvent(RandomNote(ioChance, iLength, iShortest));
   for (int i = 0; i < iLength / 60; ++i)
     AddEvent(ioChunk, ioChance.Below(iLength), RandomValue(ioChance));
   for (int i = 0; i < iLength / 2000; ++i)
@@ -107,11 +111,12 @@ inline bool FindNote(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength,
 }
 
 /// Adds, takes away or changes a note, or adds a value.
-inline void EditAtRandom(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength) {
+inline void EditAtRandom(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength,
+                         long long iShortest = 1) {
   Vrad_NoteListBase_Note note;
   int const what = ioChance.Below(4);
   if (what == 0) {
-    ioChunk.AddEvent(RandomNote(ioChance, iLength));
+    ioChunk.AddEvent(RandomNote(ioChance, iLength, iShortest));
   } else if (what == 1) {
     AddEvent(ioChunk, ioChance.Below(iLength), RandomValue(ioChance));
   } else if (FindNote(ioChunk, ioChance, iLength, note)) {
@@ -119,7 +124,7 @@ inline void EditAtRandom(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength) {
       ioChunk.EraseEvent(Vrae_TimedEvent(note.mTime, note.mEvent));
     } else {
       Vrae_NoteWithDurationEvent changed = note.mEvent;
-      changed.SetDuration(Time_TickLength(ioChance.From(1, 500) * kTicksPerSample));
+      changed.SetDuration(Time_TickLength(ioChance.From(10, 500) * kTicksPerSample));
       ioChunk.GetNoteList()->ChangeNote(note.mTime, note.mEvent, changed);
     }
   }
