@@ -2,9 +2,10 @@
 //
 // What is sent when:
 // - Start, jump, loop and unmuting bring the receiver to the state that playing from the beginning
-//   would have left: first the program, then controllers, pressures and bend, then registered and
-//   non-registered parameters, each with its selection before its data, then note-ons for the notes
-//   that sound at the position. A start sends all of them, the others what differs.
+//   would have left: first the program with its bank, then controllers, bend and pressures, then
+//   registered and non-registered parameters, each with its selection before its data, then
+//   note-ons for the notes that sound at the position. Start and unmuting send all of them, jump
+//   and loop what differs.
 // - Stop, jump, muting, and taking a clip or the receiver away send a note-off for each sounding
 //   note, with its own release velocity, then the pedals 64, 66, 67 and 69 up that are down, then
 //   bend and pressures that are not at rest to 0. Nothing relies on "all notes off".
