@@ -24,15 +24,21 @@ private:
 
 constexpr int kPlainControllers[] = {1, 7, 10, 11, 64, 64, 66, 67, 69, 91};
 
+/// The ticks from there to the end of a sample. Notes end with a sample, or within the one that
+/// they begin in: of the rest of a sample a loop may begin in, a receiver hears nothing.
+inline long long ToEndOfSample(long long iTick, int iNumSamples) {
+  return iNumSamples * kTicksPerSample - iTick % kTicksPerSample;
+}
+
 /// A note of one of a few pitches, so that they meet: most are short, some last for all of the
 /// clip, some hardly at all. `iShortest`: ticks.
 inline Vrad_NoteWithDurationExtendedEvent RandomNote(Chance & ioChance, int iLength,
                                                      long long iShortest) {
-  long long const start = ioChance.Below(iLength) * kTicksPerSample + ioChance.Below(3) % 2;
-  long long duration = ioChance.From(1, 400) * kTicksPerSample;
-  if (ioChance.OneIn(10)) duration = ioChance.From(1, 60);
-  if (ioChance.OneIn(20)) duration = ioChance.Below(iLength) * kTicksPerSample + 1;
-  duration = std::max(duration, iShortest);
+  long long const start = ioChance.Below(iLength) * kTicksPerSample + ioChance.Below(2);
+  long long duration = ToEndOfSample(start, ioChance.From(1, 400));
+  if (ioChance.OneIn(10)) duration = ioChance.From(1, 38);
+  if (ioChance.OneIn(20)) duration = ToEndOfSample(start, ioChance.From(1, iLength));
+  if (duration < iShortest) duration = ToEndOfSample(start, 10);
   Vrae_NoteWithDurationEvent const note(static_cast<signed char>(ioChance.From(60, 67)),
                                         Time_TickLength(duration),
                                         static_cast<signed char>(ioChance.From(1, 127)),
@@ -124,7 +130,8 @@ inline void EditAtRandom(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength,
       ioChunk.EraseEvent(Vrae_TimedEvent(note.mTime, note.mEvent));
     } else {
       Vrae_NoteWithDurationEvent changed = note.mEvent;
-      changed.SetDuration(Time_TickLength(ioChance.From(10, 500) * kTicksPerSample));
+      changed.SetDuration(
+          Time_TickLength(ToEndOfSample(note.mTime.AsInt64(), ioChance.From(10, 500))));
       ioChunk.GetNoteList()->ChangeNote(note.mTime, note.mEvent, changed);
     }
   }
