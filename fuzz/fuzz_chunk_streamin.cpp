@@ -1,14 +1,13 @@
 // Reads any bytes as a chunk's record. What does not begin as one is refused with an exception, all
 // else gives a chunk, with at most one report of damage. Reading takes no more memory than the
 // input accounts for, and what was read is written and read again with the same result.
-#include <algorithm>
 #include <exception>
-#include <iterator>
 #include <memory>
 #include <string_view>
 #include <vector>
 
 #include "cmn/cmn_assert.h"
+#include "cut_counts.h"
 #include "foundation/sys_delayeddeletion.h"
 #include "foundation/sys_stream.h"
 #include "fuzz_input.h"
@@ -54,18 +53,6 @@ Bytes Write(Vrad_Chunk const & iChunk) {
   Sys_MemoryOutStream stream;
   iChunk.StreamOut(stream);
   return stream.GetBytes();
-}
-
-// Larger counts than a word holds come from differences of lengths alone; they are cut to the
-// largest, or to the smallest.
-bool HasCutCounts(Bytes const & iBytes) {
-  static constexpr unsigned char kLargest[] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F};
-  static constexpr unsigned char kSmallest[] = {0, 0, 0, 0, 0, 0, 0x80};
-  auto const has = [&iBytes](auto const & iEnd) {
-    return std::search(iBytes.begin(), iBytes.end(), std::begin(iEnd), std::end(iEnd)) !=
-           iBytes.end();
-  };
-  return has(kLargest) || has(kSmallest);
 }
 
 // Gives what was read from what was written.

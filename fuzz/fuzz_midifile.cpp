@@ -1,6 +1,7 @@
 // Reads any bytes as a MIDI file. Whatever they are, reading gives an error with a place inside the
 // file or a file whose clips hold up: no check fires on the way, events come out in order of time
-// from 0 on, and reading again gives the same.
+// from 0 on, and reading again gives the same. Written as a file again, the song loses nothing: it
+// is read as the same song, which is written as the same bytes.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -8,7 +9,9 @@
 #include "cmn/cmn_assert.h"
 #include "foundation/sys_delayeddeletion.h"
 #include "host/host_midifile.h"
+#include "host/host_midiwriter.h"
 #include "ndo/ndo_manager.h"
+#include "tests/host/song_print.h"
 #include "vrad/vrad_extendedeventlist.h"
 
 namespace {
@@ -43,6 +46,21 @@ unsigned long long CheckClip(Vrad_Chunk const & iChunk) {
   return sum;
 }
 
+// Only the format may change, and is checked by itself.
+void CheckWriting(Host_Song const & iSong) {
+  Host_WriteReport report, again;
+  midi::Bytes const bytes = Host_WriteMidiFile(iSong, report);
+  Demand(report.IsEmpty(), "what was read can be written");
+  Host_Song const copy = Host_ReadMidiFile(bytes);
+  Demand(copy.mReport.GetNumProblems() == 0, "what was written reads whole");
+  Demand(copy.mReport.GetNotKept().empty(), "all that was written is kept");
+  Demand(copy.mHeader.mFormat == iSong.mHeader.mFormat ||
+             (copy.mHeader.mFormat == 1 && iSong.mTracks.size() != 1),
+         "formats alike");
+  Demand(midi::PrintSong(copy) == midi::PrintSong(iSong), "songs alike");
+  Demand(Host_WriteMidiFile(copy, again) == bytes, "read and written alike");
+}
+
 unsigned long long CheckFile(std::span<unsigned char const> iBytes) {
   unsigned long long sum = 0;
   try {
@@ -53,6 +71,7 @@ unsigned long long CheckFile(std::span<unsigned char const> iBytes) {
     for (Host_MidiReport::Problem const & problem : file.mReport.GetProblems()) {
       Demand(problem.mOffset <= iBytes.size(), "problems lie inside the file");
     }
+    CheckWriting(file);
   } catch (Host_MidiFileError const & error) {
     Demand(error.GetOffset() <= iBytes.size(), "errors lie inside the file");
     sum = error.GetOffset() + 1;

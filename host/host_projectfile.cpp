@@ -95,6 +95,14 @@ private:
 
   static bool IsTick(long long iTick) { return iTick >= 0 && iTick <= kMaxTick; }
   static bool IsTrack(int iTrack) { return iTrack >= 0 && iTrack < kMaxTracks; }
+  static bool IsByte(int iNumber) { return iNumber >= 0 && iNumber <= 255; }
+
+  static bool IsMeter(Host_TimeSignature const & iMeter) {
+    return iMeter.mNumerator >= 1 && IsByte(iMeter.mNumerator) && iMeter.mDenominator >= 1 &&
+           iMeter.mDenominator <= 1024 &&
+           std::has_single_bit(static_cast<unsigned>(iMeter.mDenominator)) &&
+           IsByte(iMeter.mClocksPerClick) && IsByte(iMeter.mThirtySecondsPerBeat);
+  }
 
   void ReadHead(Sys_TypedInStream & ioStream) {
     Host_MidiHeader header;
@@ -125,14 +133,13 @@ private:
 
   void ReadMeters(Sys_TypedInStream & ioStream) {
     ReadMany(ioStream, [&] {
-      long long const tick = Get<long long>(ioStream);
-      int const numerator = Get<int>(ioStream);
-      int const denominator = Get<int>(ioStream);
-      bool const isGood = IsTick(tick) && numerator >= 1 && numerator <= 255 && denominator >= 1 &&
-                          denominator <= 1024 &&
-                          std::has_single_bit(static_cast<unsigned>(denominator));
-      if (!Check(isGood, "a time signature")) return;
-      mSong.mTimeSignatures.push_back({Time_Tick(tick), numerator, denominator});
+      Host_TimeSignature meter{Time_Tick(Get<long long>(ioStream)), 0, 0};
+      for (int * field : {&meter.mNumerator, &meter.mDenominator, &meter.mTrack,
+                          &meter.mClocksPerClick, &meter.mThirtySecondsPerBeat}) {
+        *field = Get<int>(ioStream);
+      }
+      bool const isGood = IsTick(meter.mTime.AsInt64()) && IsMeter(meter) && IsTrack(meter.mTrack);
+      if (Check(isGood, "a time signature")) mSong.mTimeSignatures.push_back(meter);
     });
   }
 
@@ -187,7 +194,7 @@ private:
   }
 
   void ReadLast(Sys_TypedInStream & ioStream) {
-    Get<int>(ioStream);
+    mNumRecordsWritten = Get<int>(ioStream);
     mHasLast = true;
   }
 
@@ -221,6 +228,8 @@ private:
     TellNumber(mNumTracksFound, mNumTracks, "tracks");
     TellNumber(std::ssize(mSong.mClips), mNumClips, "clips");
     MakeTracksUpTo(std::clamp(mNumTracks, 0, kMaxTracks) - 1);
+    // What nothing else tells: a record that is gone without a trace, or stands there twice.
+    if (mSong.mReport.GetNumProblems() == 0) TellNumber(mNumRecords, mNumRecordsWritten, "records");
   }
 
   void TellNumber(long long iFound, long long iAnnounced, char const * iWhat) {
@@ -237,7 +246,8 @@ private:
   Host_Progress const & mProgress;
   Host_Song mSong;
   Host_ProjectRecord const * mRecord = nullptr;  // being read
-  int mNumRecords = 0;
+  long long mNumRecords = 0;
+  int mNumRecordsWritten = 0;  // by the last
   bool mHasHead = false;
   bool mHasLast = false;
   int mNumTracks = 0;  // by the head, as the next

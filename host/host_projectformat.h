@@ -4,7 +4,9 @@
 // Contents, in the library's typed values; text is length:int32 and its bytes.
 //   head   := format:int32 division:int32 announcedTracks:int32 tracks:int32 clips:int32
 //   tempo  := count:int32 (tick:int64 beatsPerMinute:float64 track:int32)[count]
-//   meters := count:int32 (tick:int64 numerator:int32 denominator:int32)[count]
+//   meters := count:int32 meter[count]
+//   meter  := tick:int64 numerator:int32 denominator:int32 track:int32
+//             clocksPerClick:int32 thirtySecondsPerBeat:int32
 //   keys   := count:int32 (tick:int64 sharps:int32 isMinor:bool track:int32)[count]
 //   track  := number:int32 end:int64 name:text
 //   clip   := track:int32 channel:int32 chunk

@@ -66,6 +66,9 @@ private:
         out.Write(signature.mTime.AsInt64());
         out.Write(signature.mNumerator);
         out.Write(signature.mDenominator);
+        out.Write(signature.mTrack);
+        out.Write(signature.mClocksPerClick);
+        out.Write(signature.mThirtySecondsPerBeat);
       }
     });
   }

@@ -1,0 +1,111 @@
+// Reads any bytes as a project file, as they are and once more with the sums of their records put
+// right, without which chance would hardly get past them. What is read holds up: reading takes no
+// more memory than the input accounts for, problems lie inside the file, and the song that comes
+// out is written, and read again as the same song without a loss, which is written as the same
+// bytes.
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include <boost/crc.hpp>
+
+#include "cmn/cmn_assert.h"
+#include "cut_counts.h"
+#include "foundation/sys_delayeddeletion.h"
+#include "fuzz_input.h"
+#include "host/host_projectfile.h"
+#include "ndo/ndo_manager.h"
+#include "tests/host/memory_meter.h"
+#include "tests/host/song_print.h"
+
+namespace {
+
+typedef std::vector<unsigned char> Bytes;
+
+// A store of one value takes a block of its own, where a file has some 70 bytes for it. At least:
+// tracks of which the file has the last alone, and the words about damage.
+constexpr long long kMemoryForEachByte = 64, kMemoryAtLeast = 4 * 1024 * 1024;
+
+constexpr std::ptrdiff_t kHeaderSize = 19, kFrameSize = kHeaderSize + 8;
+constexpr unsigned char kBeginning[] = {8, 'v', 'r', 'a', 'd'};
+
+void DropAll() {
+  Ndo_gManager.DropUnreferenced();
+  Sys_DelayedDeletionQueue::DeletePending();
+}
+
+void Put(unsigned char * oBytes, unsigned long long iNumber, int iNumBytes) {
+  for (int i = 0; i < iNumBytes; ++i)
+    oBytes[i] = static_cast<unsigned char>(iNumber >> (8 * i));
+}
+
+unsigned SumOf(unsigned char const * iBegin, unsigned char const * iEnd) {
+  boost::crc_32_type sum;
+  sum.process_block(iBegin, iEnd);
+  return sum.checksum();
+}
+
+// Ends each record where the next one begins, and makes its sums right.
+Bytes PutRight(Bytes iBytes) {
+  unsigned char * const end = iBytes.data() + iBytes.size();
+  auto const findFrom = [end](unsigned char * iFrom) {
+    return std::search(iFrom, end, std::begin(kBeginning), std::end(kBeginning));
+  };
+  for (unsigned char * at = findFrom(iBytes.data()); end - at >= kFrameSize;) {
+    unsigned char * const next = findFrom(at + kFrameSize);
+    Put(at + kHeaderSize - 8, static_cast<unsigned long long>(next - at - kHeaderSize), 8);
+    Put(at + kHeaderSize, SumOf(at, at + kHeaderSize), 4);
+    Put(at + kHeaderSize + 4, SumOf(at + kFrameSize, next), 4);
+    at = next;
+  }
+  return iBytes;
+}
+
+// Nothing if there is nothing to read.
+std::optional<Host_Song> Read(Bytes const & iBytes) {
+  try {
+    return Host_ReadProjectFile(iBytes);
+  } catch (Host_ProjectFileError const &) {
+    return std::nullopt;
+  }
+}
+
+// Gives what was read from what was written.
+Host_Song CheckWriting(Host_Song const & iSong, bool iIsAlike) {
+  Bytes const bytes = Host_WriteProjectFile(iSong);
+  FuzzExpect(Host_IsProjectFile(bytes), "written as a project");
+  Host_Song copy = Host_ReadProjectFile(bytes);
+  FuzzExpect(!copy.mReport.IsLossy(), "what was written reads whole");
+  FuzzExpect(copy.mReport.GetNotKept().empty(), "what was written is known");
+  if (!iIsAlike && HasCutCounts(bytes)) return copy;
+  FuzzExpect(midi::PrintSong(copy) == midi::PrintSong(iSong), "songs alike");
+  FuzzExpect(Host_WriteProjectFile(copy) == bytes, "read and written alike");
+  return copy;
+}
+
+void CheckReading(Bytes const & iBytes) {
+  std::optional<Host_Song> song;
+  long long const memory = memory_meter::Measure([&] { song = Read(iBytes); });
+  long long const size = std::ssize(iBytes);
+  FuzzExpect(memory <= kMemoryAtLeast + kMemoryForEachByte * size, "memory in bounds");
+  if (song) {
+    for (Host_MidiReport::Problem const & problem : song->mReport.GetProblems())
+      FuzzExpect(problem.mOffset <= iBytes.size(), "problems lie inside the file");
+    CheckWriting(CheckWriting(*song, false), true);
+  }
+  song.reset();
+  DropAll();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(unsigned char const * iData, size_t iSize) {
+  Cmn_AssertRecorder const checks;
+  Bytes const bytes(iData, iData + iSize);
+  CheckReading(bytes);
+  Bytes const right = PutRight(bytes);
+  if (right != bytes) CheckReading(right);
+  return 0;
+}
