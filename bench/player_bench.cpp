@@ -76,10 +76,10 @@ Vrad_Chunk & ClipOf(long long iNumNotes) {
   return *iter->second.Get();
 }
 
-// Between two positions in the last tenth, some way off each other.
+// Positions in the second half, some way off each other, so that most values differ.
 Time_Tick PositionOf(long long iNumNotes, int iStep) {
   long long const last = iNumNotes * kTicksPerNote;
-  return Time_Tick(last - last / 10 + (iStep * 7919LL * kTicksPerNote + 17) % (last / 20));
+  return Time_Tick(last / 2 + (iStep * 7919LL * kTicksPerNote + 17) % (last / 2));
 }
 
 void Jump(benchmark::State & ioState) {

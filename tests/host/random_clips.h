@@ -70,9 +70,10 @@ inline Vrae_Event RandomValue(Chance & ioChance) {
   }
 }
 
-/// Selects a parameter, sets it, then steps it a few times. Takes some samples, often none.
-inline void AddParameter(Vrad_Chunk & ioChunk, Chance & ioChance, int iSample) {
-  int const spread = ioChance.OneIn(2) ? 0 : 5;
+/// Selects a parameter, sets it, then steps it a few times. Takes some samples, often none. Whole:
+/// all of its value at once.
+inline void AddParameter(Vrad_Chunk & ioChunk, Chance & ioChance, int iSample, bool iIsWhole) {
+  int const spread = iIsWhole || ioChance.OneIn(2) ? 0 : 5;
   auto const add = [&](int iNumber, int iValue) {
     AddController(ioChunk, iSample, iNumber, iValue);
     iSample += spread;
@@ -81,7 +82,7 @@ inline void AddParameter(Vrad_Chunk & ioChunk, Chance & ioChance, int iSample) {
   add(isRegistered ? 101 : 99, 0);
   add(isRegistered ? 100 : 98, ioChance.Below(3));
   add(6, ioChance.Below(128));
-  if (!ioChance.OneIn(3)) add(38, ioChance.Below(128));
+  if (iIsWhole || !ioChance.OneIn(3)) add(38, ioChance.Below(128));
   for (int i = ioChance.Below(3); i > 0; --i) {
     iSample += 1;
     add(ioChance.From(96, 97), 0);
@@ -94,13 +95,13 @@ inline void AddParameter(Vrad_Chunk & ioChunk, Chance & ioChance, int iSample) {
 }
 
 inline void FillAtRandom(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength,
-                         long long iShortest = 1) {
+                         long long iShortest = 1, bool iAreParametersWhole = false) {
   for (int i = 0; i < iLength / 40; ++i)
     ioChunk.AddEvent(RandomNote(ioChance, iLength, iShortest));
   for (int i = 0; i < iLength / 60; ++i)
     AddEvent(ioChunk, ioChance.Below(iLength), RandomValue(ioChance));
   for (int i = 0; i < iLength / 2000; ++i)
-    AddParameter(ioChunk, ioChance, i * 2000 + ioChance.Below(1900));
+    AddParameter(ioChunk, ioChance, i * 2000 + ioChance.Below(1900), iAreParametersWhole);
   for (int i = 0; i < iLength / 3000; ++i)
     ioChunk.AddEvent(SysexAt(AtSample(ioChance.Below(iLength)), ioChance.Below(128)));
 }
