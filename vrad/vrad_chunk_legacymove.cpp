@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <set>
+#include <utility>
 
 #include "foundation/time_convert.h"
 #include "vrad/vrad_chunk.h"
@@ -77,13 +78,8 @@ void Vrad_Chunk::MoveNotesForLegacyPlayback(Time_TypedLength iLength) {
   if (mNoteListP) {
     LegacyMove const move(mClipBoundaries, iLength);
     Vrad_NoteListBase moved(kNotUndoable, true);
-    // From limit to limit: the list may be out of order.
-    for (Vrad_NoteListBase::FullNotesInRangeIter iter(mNoteListP.Get(),
-                                                      Time_Typed::MinTime(Time_eType_Ticks),
-                                                      Time_Typed::MaxTime(Time_eType_Ticks));
-         iter.IsMore(); ++iter) {
-      Vrad_NoteListBase_Note note(*iter);
-      note.mTime = Time_Tick(move((*iter).mTime.AsInt64()));
+    for (Vrad_NoteListBase_Note note : std::as_const(mNoteListP->mNotes)) {
+      note.mTime = Time_Tick(move(note.mTime.AsInt64()));
       moved.AddNote(note);
     }
     mNoteListP->ReplaceData(&moved);

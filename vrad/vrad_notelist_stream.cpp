@@ -254,7 +254,8 @@ void Vrad_NoteListBase::ReadMuteFlags(Sys_TypedInStream & ioStream, int iNum) {
   ioStream.Read(&version);
   ioStream.Read(&size);
   if (version < kMuteFlagVersion) return;
-  Sys_BlockIn in(ioStream, static_cast<long long>(iNum) * std::max(size, kMuteFlagBytes));
+  size = std::max(size, kMuteFlagBytes);
+  Sys_BlockIn in(ioStream, static_cast<long long>(iNum) * size);
   Note * notes;
   for (int i = 0, span; (span = mNotes.GetSpanBesideKeys(i, &notes)) > 0; i += span) {
     for (Note * noteP = notes; noteP != notes + span; ++noteP) {

@@ -195,6 +195,13 @@ TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, NotesInSamplesComeOutInTicks) {
   EXPECT_EQ(Contents(), "notes n60@5000t+480s / misc");
 }
 
+TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, ANoteAtTheLastOfAllTimesIsMovedToo) {
+  mChunk->AddEvent(NoteAt(Ticks(5300), 60));
+  mChunk->AddEvent(NoteAt(Time_Typed::MaxTime(Time_eType_Ticks), 61));
+  mChunk->MoveNotesForLegacyPlayback(Time_TickLength(0));
+  EXPECT_EQ(Contents(), "notes n60@5000t+480t n61@9223372036854775000t+480t / misc");
+}
+
 TEST_F(Vrad_Chunk_MoveNotesForLegacyPlayback, TiesKeepTheirOrder) {
   for (int i = 0; i < 4; ++i)
     mChunk->AddEvent(NoteAt(Ticks(5000 + 10 * i), 63 - i));

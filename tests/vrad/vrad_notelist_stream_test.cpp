@@ -135,6 +135,20 @@ TEST_F(Vrad_NoteList_StreamIn, SkipsFourBytesBehindEachFlagOfSize5) {
   EXPECT_EQ(Version3(false, true), Read("notes_flags_size_5"));
 }
 
+TEST_F(Vrad_NoteList_StreamIn, ReadsFlagsOfASizeBelow1AsOnesOfSize1) {
+  for (unsigned char const highestByte : Bytes{0x00, 0x80, 0xff}) {
+    Bytes bytes = ReadGolden("notes_v3");
+    size_t const size = bytes.size() - 6;  // four bytes, in front of the two flags
+    ASSERT_EQ(bytes[size], 1);
+    bytes[size] = 0;
+    bytes[size + 3] = highestByte;
+    Sys_MemoryInStream stream(bytes);
+    mList.StreamIn(stream);
+    EXPECT_EQ(Version3(true, false), PrintWhole(mList));
+    EXPECT_EQ(0, stream.BytesLeft());
+  }
+}
+
 TEST_F(Vrad_NoteList_StreamIn, ReadsNoFlagFromVersion0OfTheFlags) {
   EXPECT_EQ(Version3(false, false), Read("notes_flags_version_0"));
 }
