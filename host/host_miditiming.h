@@ -3,15 +3,16 @@
 
 #include "foundation/time_typed.h"
 
-/// Whether a header may have this division: ticks to the quarter note, 1 to 0x7fff, or 24, 25, 29 or
-/// 30 frames a second of 1 tick or more.
+/// Whether a header may have this division: ticks to the quarter note, 1 to 0x7fff, or 24, 25, 29
+/// or 30 frames a second of 1 tick or more.
 bool Host_IsDivision(int iDivision);
 
 /// The time scale of one MIDI file.
 /// Thread: any; never changes.
 class Host_MidiTiming {
 public:
-  /// Needs: `Host_IsDivision`. Ticks to the quarter note, or with bit 15 set frames a second (24, 25, 29 for 29.97, 30) and ticks to the frame.
+  /// Needs: `Host_IsDivision`. Ticks to the quarter note, or with bit 15 set frames a second (24,
+  /// 25, 29 for 29.97, 30) and ticks to the frame.
   explicit Host_MidiTiming(int iDivision);
 
   /// Whether file ticks are parts of a frame and so of a second, whatever the tempo. A second is

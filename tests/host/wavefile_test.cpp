@@ -23,8 +23,8 @@ std::string PrintHeader(long long iNumFrames) {
 
 std::string const kFormat = "fmt [16][0][0][0]"
                             "[1][0][2][0]"
-                            "[128][187][0][0]"   // 48000 frames
-                            "[0][238][2][0]"     // 192000 bytes
+                            "[128][187][0][0]"  // 48000 frames
+                            "[0][238][2][0]"    // 192000 bytes
                             "[4][0][16][0]";
 std::string const kNoLongSizes = "JUNK[28][0][0][0]"
                                  "[0][0][0][0][0][0][0][0][0][0][0][0][0][0]"
