@@ -51,14 +51,19 @@ set(VRAD_HEADERS
 
 # Of what a small host puts around the library.
 set(VRAD_HOST_HEADERS
+  host/host_blockplayer.h
+  host/host_blockreceiver.h
+  host/host_messagelist.h
   host/host_midibars.h
   host/host_midifile.h
   host/host_midiparser.h
   host/host_midireport.h
   host/host_miditiming.h
   host/host_midiwriter.h
+  host/host_notepool.h
   host/host_projectfile.h
   host/host_song.h
+  host/host_streamchecker.h
   host/host_writereport.h)
 
 list(JOIN VRAD_HEADERS "\n" lines)

@@ -11,8 +11,7 @@
 //   signature, key signature, tempo; note-offs of notes that began before; sysex; what a clip
 //   streams (program, controllers, bend, pressures); notes in the order of their list.
 // - A note of release velocity 64 ends by a note-on of velocity 0. A note that ends on the file
-// tick
-//   of its beginning is written without length, and has 1 tick when it is read.
+//   tick of its beginning is written without length, and has 1 tick when it is read.
 // - A program is its bank select, MSB and LSB, as far as these are enabled, and the program change.
 // - A gap of 2^28 or more file ticks, too long for one delta time, is bridged with empty texts.
 #pragma once

@@ -56,8 +56,7 @@ struct Host_StreamViolation {
 ///   An edit and a change of tempo strike nothing again that sounds already. Of several notes of
 ///   one pitch any may be the one that goes on.
 /// - With `kKeep`, notes ring on over the loop's end for their rest, unless struck again; those
-/// that
-///   sound at its start as well go on.
+///   that sound at its start as well go on.
 /// - Each value is in force at the end of its sample, and before a note is struck at or after its
 ///   time. Of several clips on a channel the later value counts, at equal times that of the clip
 ///   added last. Where no clip that plays has a value, pedals (64, 66, 67, 69) are up, bend and
