@@ -45,9 +45,7 @@ void Vrad_ChunkRef::AddToRealUsers(int iNum) {
 
 Vrad_ChunkWriter::Vrad_ChunkWriter() = default;
 Vrad_ChunkWriter::Vrad_ChunkWriter(Vrad_ChunkWriter const &) = default;
-Vrad_ChunkWriter::Vrad_ChunkWriter(Vrad_ChunkWriter &&) noexcept = default;
 Vrad_ChunkWriter & Vrad_ChunkWriter::operator=(Vrad_ChunkWriter const &) = default;
-Vrad_ChunkWriter & Vrad_ChunkWriter::operator=(Vrad_ChunkWriter &&) noexcept = default;
 Vrad_ChunkWriter::~Vrad_ChunkWriter() = default;
 
 void Vrad_ChunkWriter::SetChunkRef(Vrad_ChunkRef const & iRef) {

@@ -30,11 +30,14 @@ private:
 
 /// A counted handle on a chunk, or empty. With the last copy the chunk gets `NdoDelete`, and then
 /// lives as long as the undo manager keeps it. Handles share by being copied: a chunk is wrapped
-/// once, since a second handle made from its address would let go of it a second time.
+/// once, since a second handle made from its address would let go of it a second time. Moving
+/// copies, too: a handle that was moved from still holds the chunk.
 /// Thread: the chunk's; counts have no lock.
 class VRAD_EXPORT Vrad_ChunkRef {
 public:
   Vrad_ChunkRef() = default;
+  Vrad_ChunkRef(Vrad_ChunkRef const &) = default;
+  Vrad_ChunkRef & operator=(Vrad_ChunkRef const &) = default;
 
   /// Takes the chunk over; null gives an empty handle. Fails: `std::bad_alloc`; the chunk stays the
   /// caller's.
@@ -77,16 +80,14 @@ private:
 };
 
 /// Records what it receives into a chunk, at the times of the events. Shares the chunk's handle;
-/// copies go on writing into the same chunk.
+/// copies go on writing into the same chunk, and moving copies.
 /// Thread: the chunk's.
 class VRAD_EXPORT Vrad_ChunkWriter : public Vrae_TimedEventReceiver {
 public:
   /// Without a chunk.
   Vrad_ChunkWriter();
   Vrad_ChunkWriter(Vrad_ChunkWriter const & iOther);
-  Vrad_ChunkWriter(Vrad_ChunkWriter && ioOther) noexcept;
   Vrad_ChunkWriter & operator=(Vrad_ChunkWriter const & iOther);
-  Vrad_ChunkWriter & operator=(Vrad_ChunkWriter && ioOther) noexcept;
   ~Vrad_ChunkWriter() override;
 
   /// From now on into the chunk of this handle.

@@ -71,11 +71,11 @@ TEST(Vrad_ChunkRef, CopiesShareTheCounter) {
   EXPECT_EQ(copy.GetNumRealUsers(), 5);
 }
 
-TEST(Vrad_ChunkRef, MovingTakesTheReferenceAlong) {
+TEST(Vrad_ChunkRef, MovingSharesTheCounterToo) {
   Vrad_ChunkRef ref(NewChunk());
   Vrad_ChunkRef const moved(std::move(ref));
-  EXPECT_EQ(moved.GetRefCount(), 1);
-  EXPECT_FALSE(ref);  // NOLINT(bugprone-use-after-move): empty by contract
+  EXPECT_EQ(moved.GetRefCount(), 2);
+  EXPECT_TRUE(ref.IsSameChunkAs(moved));  // NOLINT(bugprone-use-after-move): shares by contract
 }
 
 TEST(Vrad_ChunkRef, AssignmentLetsGoOfTheFormerChunk) {
@@ -88,14 +88,14 @@ TEST(Vrad_ChunkRef, AssignmentLetsGoOfTheFormerChunk) {
   EXPECT_EQ(ref.GetRefCount(), 2);
 }
 
-TEST(Vrad_ChunkRef, MoveAssignmentLetsGoOfTheFormerChunk) {
+TEST(Vrad_ChunkRef, MoveAssignmentLetsGoOfTheFormerChunkAndShares) {
   Vrad_ChunkRef ref(NewChunk());
   Vrad_Chunk * const formerP = NewChunk();
   Ndo_ExternalRefBase const former(formerP);
   Vrad_ChunkRef target(formerP);
   target = std::move(ref);
   EXPECT_EQ(former.GetObjPtr(), nullptr);
-  EXPECT_EQ(target.GetRefCount(), 1);
+  EXPECT_EQ(target.GetRefCount(), 2);
 }
 
 TEST(Vrad_ChunkRef, AssignmentToItselfKeepsTheChunk) {
@@ -293,13 +293,13 @@ TEST(Vrad_ChunkWriter, CopiesShareTheHandle) {
   EXPECT_EQ(PrintContents(*ref), "notes / stream 7 c7=9@1t c7=9@2t / misc");
 }
 
-TEST(Vrad_ChunkWriter, MovingTakesTheHandleAlong) {
+TEST(Vrad_ChunkWriter, MovingSharesTheHandleToo) {
   Vrad_ChunkRef const ref(NewChunk());
   Vrad_ChunkWriter writer;
   writer.SetChunkRef(ref);
   Vrad_ChunkWriter moved(std::move(writer)), assigned;
   assigned = std::move(moved);
-  EXPECT_EQ(ref.GetRefCount(), 2);
+  EXPECT_EQ(ref.GetRefCount(), 4);
   assigned.ReceiveEvent(SysexAt(Ticks(3), 8));
   EXPECT_EQ(PrintContents(*ref), "notes / misc x8@3t");
 }

@@ -26,6 +26,12 @@ bool GoesBefore(long long iTimeA, int iTypeA, long long iTimeB, int iTypeB) {
   return a.GoesBefore(&b);
 }
 
+Vrae_TimedEvent NoteOfNoLength(int iPitch, long long iTick) {
+  Vrae_TimedEvent note = ScrubNote(iPitch, iTick, 1);
+  note.mEvent.mU.mNoteWithDuration.mDuration = 0;
+  return note;
+}
+
 bool IsAfter(long long iTime, int iType, long long iPosition) {
   Vrad_ScrubEvent const event = MakeEvent(iTime, iType);
   return Vrad_ScrubList().EventIsAfterTime(&event, iPosition);
@@ -178,6 +184,16 @@ TEST(Vrad_ScrubList_MoveTowards, PositionOfAStepBackwardIsThatOfItsTransition) {
   EXPECT_EQ(Print(list.MoveTowards(Time_Tick(0))), "start60@10");
   list.AddPitchBend(ScrubBend(100, 10), 7, true);
   EXPECT_EQ(MoveTo(list, 20), "to100@10 start60@10");
+}
+
+// Only past the end does going forward keep it from looking back: with a node ahead, what counts as
+// passed and lies behind the target is handed out backward.
+TEST(Vrad_ScrubList_MoveTowards, GoingForwardGivesBackWhatCountsAsPassedBehindTheTarget) {
+  Vrad_ScrubList list;
+  list.AddPitchBend(ScrubBend(9, 100), 7, false);
+  list.AddNote(ScrubNote(60, 200, 10), false);
+  EXPECT_EQ(MoveTo(list, 50), "to9@100 from7@100");
+  EXPECT_EQ(MoveTo(list, 300), "from7@100 to9@100 start60@200 end60@210");
 }
 
 TEST(Vrad_ScrubList_MoveTowards, MayTurnRoundBeforeItArrives) {
@@ -337,19 +353,31 @@ TEST(Vrad_ScrubList_AddNote, StartAtThePositionLiesAheadAndEndThereDoesNot) {
 TEST(Vrad_ScrubList_AddNote, OfNoLengthFromHeadEndsBehindItsStart) {
   Vrad_ScrubList list;
   list.AddNote(ScrubNote(60, 100, 10), false);
-  Vrae_TimedEvent note = ScrubNote(61, 10, 1);
-  note.mEvent.mU.mNoteWithDuration.mDuration = 0;
-  list.AddNote(note, false);
+  list.AddNote(NoteOfNoLength(61, 10), false);
   EXPECT_EQ(MoveTo(list, 20), "start61@10 end61@10");
 }
 
 TEST(Vrad_ScrubList_AddNote, OfNoLengthFromEndStartsBehindItsEnd) {
   Vrad_ScrubList list;
   list.AddNote(ScrubNote(60, 100, 10), false);
-  Vrae_TimedEvent note = ScrubNote(61, 10, 1);
-  note.mEvent.mU.mNoteWithDuration.mDuration = 0;
-  list.AddNote(note, true);
+  list.AddNote(NoteOfNoLength(61, 10), true);
   EXPECT_EQ(MoveTo(list, 20), "end61@10 start61@10");
+}
+
+// Nothing stands behind the start, so the look for the end's place begins in front of it.
+TEST(Vrad_ScrubList_AddNote, OfNoLengthFromHeadAtTheTailStartsBehindItsEnd) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 1, 2), false);
+  list.AddNote(NoteOfNoLength(61, 10), false);
+  EXPECT_EQ(MoveTo(list, 20), "start60@1 end60@3 end61@10 start61@10");
+}
+
+// As from the head, seen from the other end.
+TEST(Vrad_ScrubList_AddNote, OfNoLengthFromEndBehindAnotherEndsBehindItsStart) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 1, 2), true);
+  list.AddNote(NoteOfNoLength(61, 10), true);
+  EXPECT_EQ(MoveTo(list, 20), "start60@1 end60@3 start61@10 end61@10");
 }
 
 TEST(Vrad_ScrubList_AddNote, AtTheEndOfTimeEndsThere) {
@@ -427,6 +455,14 @@ TEST(Vrad_ScrubList_AddPitchBend, OldBendNewBendNoteStartAtOneTimeInWhateverOrde
     other.AddNote(ScrubNote(60, 10, 5), isFromEnd);
     EXPECT_EQ(MoveTo(other, 12), "start61@4 end61@10 from7@10 to100@10 start60@10") << isFromEnd;
   }
+}
+
+TEST(Vrad_ScrubList_AddPitchBend, TwoBendsAtOneTimeFromHeadStandLastAddedFirst) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 10, 5), false);
+  list.AddPitchBend(ScrubBend(100, 10), 7, false);
+  list.AddPitchBend(ScrubBend(200, 10), 100, false);
+  EXPECT_EQ(MoveTo(list, 12), "from100@10 from7@10 to200@10 to100@10 start60@10");
 }
 
 TEST(Vrad_ScrubList_AddPitchBend, TwoBendsAtOneTimeStandOldOnesFirst) {
