@@ -5,8 +5,8 @@
 // header  := "MThd" length:uint32 format:uint16 tracks:uint16 division:uint16 more*
 // chunk   := "MTrk" length:uint32 event*  |  id:4 length:uint32 byte*
 // event   := delta:var message
-// message := status data data?            channel message; the status may be left out when it
-// repeats
+// message := status data data?            channel message; the status may be left out when
+//                                         it repeats
 //          | 0xF0 length:var byte*        sysex, or the first packet of one
 //          | 0xF7 length:var byte*        a further packet of a sysex, or bytes sent as they are
 //          | 0xFF type:1 length:var byte* meta event; type 0x2F ends the track
@@ -80,7 +80,6 @@ public:
 /// the announced number are read too. After a sysex or meta event a channel message may still leave
 /// its status out, which the format forbids and some writers do.
 /// Fails: Host_MidiFileError when the header cannot be read; nothing has been told by then. What
-/// the
-///        visitor throws passes through.
+///        the visitor throws passes through.
 /// Allocates only the texts of problems.
 void Host_ParseMidiFile(std::span<unsigned char const> iFile, Host_MidiFileVisitor & ioVisitor);

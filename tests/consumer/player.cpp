@@ -15,7 +15,7 @@ namespace {
 
 Host_Song MakeSong() {
   Host_Song song;
-  song.mTracks.push_back(Host_MidiTrack());
+  song.mTracks.push_back({"Piano", Time_Tick(1920000)});
   song.mClips.push_back(
       {0, 0, Ndo_AutoPtr<Vrad_Chunk>(Vrad_Chunk::New(Ndo_Object::kNotUndoable, false))});
   song.mClips[0].mChunk->AddEvent(Vrad_NoteWithDurationExtendedEvent(
