@@ -221,7 +221,7 @@ private:
   }
 };
 
-enum EContents { kTicks, kSamples, kBlanks, kMixedDurations, kMixedTimes };
+enum EContents { kTicks, kSamples, kBlanks, kFarTimes, kMixedDurations, kMixedTimes };
 
 // A real list and the plain one.
 struct Pair {
@@ -352,16 +352,21 @@ private:
     bool const mixes = mContents == kMixedTimes || mContents == kMixedDurations;
     return iMayMix && mixes && *rc::gen::inRange(0, 3) == 0 ? Time_eType_Samples : Time_eType_Ticks;
   }
+  bool IsFar() const { return mContents == kFarTimes && *rc::gen::inRange(0, 5) == 0; }
   Time_Typed AnyTime() const {
     Time_EType const unit = AnyUnit(mContents == kMixedTimes);
     int const count = *rc::gen::inRange(-20, 1500);
+    if (IsFar()) return Time_Typed(Time_Saturating::kMax - 1480 + count, unit);
+    if (IsFar()) return Time_Typed(Time_Saturating::kMin + 20 + count, unit);
     bool const isShared = mContents == kMixedTimes && unit == Time_eType_Samples;
     return Time_Typed(isShared ? count / 40 : count, unit);
   }
   // Told apart by its delta, though mostly alike as an event.
   Note AnyNote() {
     bool const isLong = *rc::gen::inRange(0, 5) == 0;
-    Time_TypedLength const duration(*rc::gen::inRange(1, isLong ? 1500 : 60), AnyUnit());
+    long long const farLength = isLong && IsFar() ? 1LL << 62 : 0;
+    Time_TypedLength const duration(farLength + *rc::gen::inRange(1, isLong ? 1500 : 60),
+                                    AnyUnit());
     Vrae_NoteWithDurationEvent const event(static_cast<signed char>(*rc::gen::inRange(60, 64)),
                                            duration, 80, 64);
     Note note(AnyTime(), event, Time_TypedLength(++mTag, Time_eType_Ticks), event, false);
@@ -422,6 +427,9 @@ RC_GTEST_PROP(Vrad_NoteList_BulkEdits, InSamplesAreThePlainWalk, ()) {
 }
 RC_GTEST_PROP(Vrad_NoteList_BulkEdits, WithBlankNotesAreThePlainWalk, ()) {
   Run(kBlanks);
+}
+RC_GTEST_PROP(Vrad_NoteList_BulkEdits, AtFarTimesAreThePlainWalk, ()) {
+  Run(kFarTimes);
 }
 RC_GTEST_PROP(Vrad_NoteList_BulkEdits, WithMixedDurationsAreThePlainWalk, ()) {
   Run(kMixedDurations);

@@ -268,6 +268,23 @@ TEST_F(Vrad_NoteList_AvoidingMerge, InSamplesGoesByTheSameRules) {
   EXPECT_EQ("60@0s+30s | 60@30s+10s | 60@240s+60s | 60@300s+200s", Print(mList));
 }
 
+TEST_F(Vrad_NoteList_AvoidingMerge, OfNotesThatReachTheLastOfAllTimes) {
+  constexpr long long kLast = Time_Saturating::kMax;
+  auto const note = [](int iPitch, long long iTime, long long iDuration) {
+    return Vrad_NoteListBase_Note(TickTime(iTime), NoteEvent(iPitch, TickLength(iDuration)));
+  };
+  mList.AddNote(note(60, kLast - 100, 1000));  // would keep 60 of 1000
+  mList.AddNote(note(61, kLast - 100, 200));   // keeps 60 of 200
+  mList.AddNote(note(62, kLast - 40, 1000));   // begins in the first half
+  mOther.AddNote(note(60, kLast - 40, 10));
+  mOther.AddNote(note(61, kLast - 40, 10));
+  mOther.AddNote(note(62, kLast - 100, 1000));
+  mList.Merge(&mOther);
+  EXPECT_EQ("62@9223372036854775707+1000 | 61@9223372036854775707+60 | 60@9223372036854775767+10 | "
+            "61@9223372036854775767+10",
+            Print(mList));
+}
+
 // The duration becomes the distance between two starts, so it has the unit of the later one.
 TEST_F(Vrad_NoteList_AvoidingMerge, ACutDurationLeavesTheUnitItHad) {
   mList.AddNote(Vrad_NoteListBase_Note(TickTime(0), NoteEvent(60, SampleLength(100))));
