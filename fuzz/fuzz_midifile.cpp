@@ -53,7 +53,8 @@ void CheckWriting(Host_Song const & iSong) {
   Demand(report.IsEmpty(), "what was read can be written");
   Host_Song const copy = Host_ReadMidiFile(bytes);
   Demand(copy.mReport.GetNumProblems() == 0, "what was written reads whole");
-  Demand(copy.mReport.GetNotKept().empty(), "all that was written is kept");
+  for (Host_MidiReport::NotKept const & line : copy.mReport.GetNotKept())
+    Demand(line.mName == "text", "all that was written is kept, but for what bridges long gaps");
   Demand(copy.mHeader.mFormat == iSong.mHeader.mFormat ||
              (copy.mHeader.mFormat == 1 && iSong.mTracks.size() != 1),
          "formats alike");

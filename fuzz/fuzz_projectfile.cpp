@@ -24,6 +24,9 @@ namespace {
 
 typedef std::vector<unsigned char> Bytes;
 
+// A few bytes may ask for thousands of empty tracks, whose records take long and tell nothing new.
+constexpr size_t kManyTracks = 100;
+
 // A store of one value takes a block of its own, where a file has some 70 bytes for it. At least:
 // tracks of which the file has the last alone, and the words about damage.
 constexpr long long kMemoryForEachByte = 64, kMemoryAtLeast = 4 * 1024 * 1024;
@@ -93,7 +96,7 @@ void CheckReading(Bytes const & iBytes) {
   if (song) {
     for (Host_MidiReport::Problem const & problem : song->mReport.GetProblems())
       FuzzExpect(problem.mOffset <= iBytes.size(), "problems lie inside the file");
-    CheckWriting(CheckWriting(*song, false), true);
+    if (song->mTracks.size() < kManyTracks) CheckWriting(CheckWriting(*song, false), true);
   }
   song.reset();
   DropAll();
