@@ -26,7 +26,7 @@ add_test(NAME floors COMMAND ${VRAD_PYTHON} ${house}/floors.py ${PROJECT_SOURCE_
                              ${PROJECT_BINARY_DIR}/installed_headers.txt)
 add_test(NAME floors_self_test COMMAND ${VRAD_PYTHON} ${house}/floors.py --self-test)
 add_test(NAME quotes COMMAND ${VRAD_PYTHON} ${house}/quotes.py ${PROJECT_SOURCE_DIR} README.md
-                             docs/format.md)
+                             docs/format.md docs/project-format.md)
 add_test(NAME exported_symbols COMMAND ${VRAD_PYTHON} ${house}/exported_symbols.py
                                        ${CMAKE_NM} $<TARGET_FILE:vrad>)
 if(VRAD_CLANG_FORMAT)

@@ -51,7 +51,8 @@ class Messages:
                 last = max(at for at, _ in bank.values())
                 self.values.setdefault((channel, "program", last), self.bank_of(bank))
         for place, value in self.values.items():
-            self.found[place + (value,)] += 1
+            if value != "":  # an empty name is none
+                self.found[place + (value,)] += 1
 
     @staticmethod
     def bank_of(bank):
