@@ -22,9 +22,9 @@ public:
   Host_JackCycles(Host_JackCycles const &) = delete;
   Host_JackCycles & operator=(Host_JackCycles const &) = delete;
 
-  /// Until JACK has called every client since, so that nothing is left in their queues; not for
-  /// long if the server does not go on.
-  void WaitForNext() const;
+  /// Until JACK has called every client since, so that nothing is left in their queues. False,
+  /// after two seconds, if the server does not go on.
+  bool WaitForNext() const;
 
 private:
   struct Client;

@@ -61,8 +61,10 @@ Host_JackCycles::~Host_JackCycles() {
   if (mClient->mClient) jack_client_close(mClient->mClient);
 }
 
-void Host_JackCycles::WaitForNext() const {
+bool Host_JackCycles::WaitForNext() const {
+  if (!mClient->mClient) return true;
   int const last = mClient->mNumCycles + kNumCycles;
   for (int i = 0; i < kMaxMilliseconds && mClient->mNumCycles < last; ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  return mClient->mNumCycles >= last;
 }

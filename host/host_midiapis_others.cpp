@@ -14,4 +14,6 @@ struct Host_JackCycles::Client {};
 
 Host_JackCycles::Host_JackCycles() = default;
 Host_JackCycles::~Host_JackCycles() = default;
-void Host_JackCycles::WaitForNext() const {}
+bool Host_JackCycles::WaitForNext() const {
+  return true;
+}

@@ -126,7 +126,7 @@ public:
       }
     }
     // RtMidi closes a JACK port without waiting for what it was given last.
-    if (mCycles) mCycles->WaitForNext();
+    if (mCycles && !mCycles->WaitForNext()) CountLoss();
     mOut.reset();
     mCycles.reset();
     mHasEnded = true;

@@ -132,8 +132,8 @@ int PlayToPort(Host_Song const & iSong, Tool_PlayRange const & iRange,
   bool const isWhole = run.Stop();
   port.Close();
   if (port.GetNumLost() > 0) {
-    throw Tool_InputError(
-        fmt::format("{}: {} messages could not be sent", port.GetName().mName, port.GetNumLost()));
+    throw Tool_InputError(fmt::format("{}: {} message{} could not be sent", port.GetName().mName,
+                                      port.GetNumLost(), port.GetNumLost() == 1 ? "" : "s"));
   }
   return isWhole ? Tool_GetStatus(iSong) : kStatus_BadInput;
 }
