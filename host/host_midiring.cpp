@@ -36,6 +36,7 @@ void Host_MidiRing::Pop(std::vector<unsigned char> & oMessage) {
 
 // What reaches the end of the memory goes on at its beginning.
 void Host_MidiRing::Write(size_t iAt, void const * iData, size_t iNumBytes) noexcept {
+  if (iNumBytes == 0) return;  // then the data may be null
   size_t const place = iAt & (mBytes.size() - 1);
   size_t const numFirst = std::min(iNumBytes, mBytes.size() - place);
   std::memcpy(mBytes.data() + place, iData, numFirst);
@@ -44,6 +45,7 @@ void Host_MidiRing::Write(size_t iAt, void const * iData, size_t iNumBytes) noex
 }
 
 void Host_MidiRing::Read(size_t iAt, void * oData, size_t iNumBytes) const noexcept {
+  if (iNumBytes == 0) return;
   size_t const place = iAt & (mBytes.size() - 1);
   size_t const numFirst = std::min(iNumBytes, mBytes.size() - place);
   std::memcpy(oData, mBytes.data() + place, numFirst);
