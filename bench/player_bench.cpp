@@ -42,13 +42,17 @@ ChunkPtr MakeClip(int iNumNotes, int iNumControllers) {
         Vrae_NoteWithDurationEvent(static_cast<signed char>(36 + i % 61),
                                    Time_TickLength(kNoteLength), 100, 64),
         false));
-  // One value for each hundred notes, in each stream.
+  // One value for each hundred notes, in each stream; of those that select parameters one of a few,
+  // so that clips of any size have equally many.
+  constexpr int kNumParameters = 4, kFirstSelection = 98, kLastSelection = 101;
   for (int number = 1; number <= iNumControllers; ++number)
-    for (int i = 0; i < iNumNotes / 100; ++i)
+    for (int i = 0; i < iNumNotes / 100; ++i) {
+      bool const selects = number >= kFirstSelection && number <= kLastSelection;
+      int const value = selects ? i % kNumParameters : (i * 7 + number) % 128;
       chunk->AddEvent(Vrad_ExtendedEvent(
           Time_Tick(i * 100 * kTicksPerNote + number),
-          Vrae_ControllerEvent(static_cast<signed char>(number),
-                               static_cast<signed char>((i * 7 + number) % 128))));
+          Vrae_ControllerEvent(static_cast<signed char>(number), static_cast<signed char>(value))));
+    }
   return chunk;
 }
 
