@@ -20,7 +20,7 @@ int CountCycle(jack_nframes_t, void * ioCount) {
 
 // The first cycle may have begun before, and a client may be called late in the second.
 constexpr int kNumCycles = 3;
-constexpr int kMaxMilliseconds = 2000;
+constexpr std::chrono::seconds kPatience(2);
 
 }  // namespace
 
@@ -64,7 +64,8 @@ Host_JackCycles::~Host_JackCycles() {
 bool Host_JackCycles::WaitForNext() const {
   if (!mClient->mClient) return true;
   int const last = mClient->mNumCycles + kNumCycles;
-  for (int i = 0; i < kMaxMilliseconds && mClient->mNumCycles < last; ++i)
+  auto const end = std::chrono::steady_clock::now() + kPatience;
+  while (mClient->mNumCycles < last && std::chrono::steady_clock::now() < end)
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   return mClient->mNumCycles >= last;
 }

@@ -13,6 +13,7 @@ import shutil
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 import unittest
 
@@ -22,6 +23,7 @@ RECORDER = os.path.abspath(sys.argv.pop(1))
 SERVER = f"vrad-test-{os.getpid()}"
 ENVIRONMENT = dict(os.environ, JACK_DEFAULT_SERVER=SERVER, JACK_NO_AUDIO_RESERVATION="1")
 RATE = 48000
+SERVER_LOG = tempfile.TemporaryFile()
 PATIENCE = 60  # seconds that anything may take before the test gives up
 
 
@@ -30,8 +32,12 @@ def start_server(name):
     return subprocess.Popen(
         ["jackd", "--no-realtime", "--sync", "-t", "10000", "-n", name,
          "-d", "dummy", "-r", str(RATE), "-p", "256"],
-        env=ENVIRONMENT, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-        stderr=subprocess.DEVNULL)
+        env=ENVIRONMENT, stdin=subprocess.DEVNULL, stdout=SERVER_LOG, stderr=SERVER_LOG)
+
+
+def what_servers_said():
+    SERVER_LOG.seek(0)
+    return SERVER_LOG.read().decode(errors="replace")[-3000:]
 
 
 def end(process):
@@ -64,7 +70,8 @@ class Recording:
                 return self
             self.close()
             if time.monotonic() > give_up:
-                raise RuntimeError("the JACK server does not answer")
+                raise RuntimeError("the JACK server does not answer; it says:\n"
+                                   + what_servers_said())
             time.sleep(0.1)
 
     def __exit__(self, *_):
@@ -221,7 +228,8 @@ class ServerGone(Tool):
         recording = Recording(os.path.join(self.folder, "recorded.txt"), environment).__enter__()
         for stream in (recording.run.stdin, recording.run.stdout):
             self.addCleanup(stream.close)
-        self.addCleanup(end, recording.run)
+        self.addCleanup(recording.run.wait, PATIENCE)
+        self.addCleanup(recording.run.kill)
         run = subprocess.Popen([TOOL, "play", DEMO, "--to", "1:4"], cwd=ROOT, env=environment,
                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         self.addCleanup(end, run)
