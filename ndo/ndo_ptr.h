@@ -38,17 +38,17 @@ template <class T>
 class Ndo_AutoPtr {
 public:
   explicit Ndo_AutoPtr(T * iObjectP = 0) : mPtr(iObjectP) {}
-  Ndo_AutoPtr(Ndo_AutoPtr && ioOther) : mPtr(ioOther.Release()) {}
+  Ndo_AutoPtr(Ndo_AutoPtr && ioOther) noexcept : mPtr(ioOther.Release()) {}
   template <class U>
-  Ndo_AutoPtr(Ndo_AutoPtr<U> && ioOther) : mPtr(ioOther.Release()) {}
+  Ndo_AutoPtr(Ndo_AutoPtr<U> && ioOther) noexcept : mPtr(ioOther.Release()) {}
   Ndo_AutoPtr(Ndo_AutoPtr const &) = delete;
   Ndo_AutoPtr & operator=(Ndo_AutoPtr const &) = delete;
 
   /// `NdoDelete` on what it still holds.
   ~Ndo_AutoPtr() { Reset(0); }
 
-  /// Takes over; what was held before gets `NdoDelete`.
-  Ndo_AutoPtr & operator=(Ndo_AutoPtr && ioOther) {
+  /// Takes over; what was held before gets `NdoDelete`, which may need memory to keep it for undo.
+  Ndo_AutoPtr & operator=(Ndo_AutoPtr && ioOther) {  // NOLINT(*-noexcept-move*)
     if (this != &ioOther) Reset(ioOther.Release());
     return *this;
   }
@@ -57,7 +57,7 @@ public:
   T * operator->() const { return mPtr; }
 
   /// Gives the object up to the caller.
-  T * Release() {
+  T * Release() noexcept {
     T * const objectP = mPtr;
     mPtr = 0;
     return objectP;
