@@ -5,13 +5,9 @@
 // over the clip's events up to the position.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <cstdio>
 #include <map>
-#include <memory>
-#include <string>
-#include <vector>
 
+#include "bench_ratios.h"
 #include "host/host_blockplayer.h"
 #include "host/host_notepool.h"
 #include "ndo/ndo_ptr.h"
@@ -136,38 +132,9 @@ BENCHMARK(Jump)->Arg(10000)->Arg(1000000);
 BENCHMARK(Walk)->Arg(1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(AddClip)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
-// Keeps the times that the marks are made of.
-class Reporter : public benchmark::ConsoleReporter {
-public:
-  void ReportRuns(std::vector<Run> const & iRuns) override {
-    benchmark::ConsoleReporter::ReportRuns(iRuns);
-    for (Run const & run : iRuns)
-      if (run.run_type == Run::RT_Iteration && run.iterations > 0) {
-        double const time = run.cpu_accumulated_time / static_cast<double>(run.iterations);
-        auto const [iter, isNew] = mFastest.try_emplace(run.benchmark_name(), time);
-        if (!isNew) iter->second = std::min(iter->second, time);
-      }
-  }
-
-  void PrintRatio(char const * iName, char const * iOther) const {
-    auto const time = mFastest.find(iName), other = mFastest.find(iOther);
-    if (time != mFastest.end() && other != mFastest.end())
-      std::printf("%s over %s: %.4f\n", iName, iOther, time->second / other->second);
-  }
-
-private:
-  std::map<std::string, double> mFastest;
-};
-
 }  // namespace
 
 int main(int iNumArgs, char ** iArgs) {
-  benchmark::Initialize(&iNumArgs, iArgs);
-  if (benchmark::ReportUnrecognizedArguments(iNumArgs, iArgs)) return 1;
-  Reporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  std::printf("\n");
-  reporter.PrintRatio("Jump/1000000", "Jump/10000");
-  reporter.PrintRatio("Jump/1000000", "Walk/1000000");
-  return 0;
+  return Bench_RunWithRatios(iNumArgs, iArgs,
+                             {{"Jump/1000000", "Jump/10000"}, {"Jump/1000000", "Walk/1000000"}});
 }
