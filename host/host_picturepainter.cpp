@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr Host_PictureColour kInk = {31, 36, 48}, kGrey = {104, 112, 128}, kPale = {150, 157, 170};
-constexpr Host_PictureColour kWhite = {255, 255, 255}, kFrame = {176, 182, 194};
+constexpr Host_PictureColour kInk = {31, 36, 48}, kGrey = {104, 112, 128};
+constexpr Host_PictureColour kFrame = {176, 182, 194};
 constexpr Host_PictureColour kWhiteRow = {255, 255, 255}, kBlackRow = {243, 244, 248};
 constexpr Host_PictureColour kOctaveLine = {222, 225, 232};
 constexpr Host_PictureColour kBeatLine = {234, 236, 241}, kBarLine = {203, 208, 219};
