@@ -75,7 +75,8 @@ std::optional<Host_Song> Read(Bytes const & iBytes) {
   }
 }
 
-// Gives what was read from what was written.
+// Gives what was read from what was written. Values that fail a check are saved as they are, and
+// fail it again: a problem, as in corpus/projectfile/original_fails_a_check.vrad, but no loss.
 Host_Song CheckWriting(Host_Song const & iSong, bool iIsAlike) {
   Bytes const bytes = Host_WriteProjectFile(iSong);
   FuzzExpect(Host_IsProjectFile(bytes), "written as a project");

@@ -16,6 +16,7 @@ namespace {
 constexpr int kMaxTracks = 0xffff;  // of a MIDI file as well
 constexpr long long kMaxTick = 1ll << 60;
 constexpr std::string_view kChunkDamage = "Vrad_Chunk::StreamIn exception: ";
+constexpr std::string_view kOtherChunkDamage = "Unexpected exception";
 
 // Builds a song from records in whatever order they come.
 class Reader {
@@ -69,8 +70,8 @@ private:
     }
   }
 
-  void Tell(std::string const & iText) {
-    mSong.mReport.AddProblem(mRecord->mOffset, "record '" + mRecord->mTag + "' " + iText, true);
+  void Tell(std::string const & iText, bool iIsLoss = true) {
+    mSong.mReport.AddProblem(mRecord->mOffset, "record '" + mRecord->mTag + "' " + iText, iIsLoss);
   }
 
   // False and a word about it if not. iName as in "a tempo".
@@ -185,11 +186,15 @@ private:
     mSong.mClips.push_back({track, channel, std::move(chunk)});
   }
 
+  // All but damage is about a value that the chunk took all the same: nothing is lost, and a chunk
+  // that is saved with it fails the check again when it is read.
   void TellFailedCheck(std::string const & iCondition) {
     if (iCondition.starts_with(kChunkDamage)) {
       Tell("holds a damaged chunk: " + iCondition.substr(kChunkDamage.size()));
+    } else if (iCondition == kOtherChunkDamage) {
+      Tell("holds a damaged chunk");
     } else {
-      Tell("holds a value that fails the check " + iCondition);
+      Tell("holds a value that fails the check " + iCondition, false);
     }
   }
 

@@ -26,8 +26,9 @@ public:
 bool Host_IsProjectFile(std::span<unsigned char const> iBytes);
 
 /// Reads what is whole. The rest is told by the song's report: each damaged, missing or wrong
-/// record as a problem with its offset, records of unknown kinds as not kept. Leaves no undo step,
-/// and neither uses nor changes the tempo map of the process.
+/// record as a problem with its offset, records of unknown kinds as not kept. A value that a chunk
+/// takes although it fails a check, such as a note's original without velocity, is a problem but
+/// no loss. Leaves no undo step, and neither uses nor changes the tempo map of the process.
 /// Fails: Host_ProjectFileError when there is nothing to read. std::bad_alloc.
 /// Thread: one at a time in the process, since chunks register with the undo manager and failed
 ///         checks of any thread are taken for the file's meanwhile.

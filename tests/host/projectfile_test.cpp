@@ -353,6 +353,41 @@ TEST(Host_ReadProjectFile, KeepsWhatADamagedChunkStillHolds) {
   EXPECT_EQ(PrintContents(*song.mClips[0].mChunk.Get()), "notes n60@0t+480000t / misc");
 }
 
+// One note, whose original has values that no note has.
+Host_Song MakeSongWithOddOriginal() {
+  Host_Song song;
+  song.mTracks = {{"", Time_Tick(0)}};
+  Vrae_NoteWithDurationEvent const note(60, Time_TickLength(480000), 100, 64);
+  Vrae_NoteWithDurationEvent original = note;
+  original.mU.mNoteWithDuration.mPitch = -1;
+  original.mU.mNoteWithDuration.mDuration = 0;
+  original.mU.mNoteWithDuration.mOnVelocity = 0;
+  original.mU.mNoteWithDuration.mOffVelocity = -2;
+  project::AddClip(song, 0, 0)
+      .GetNoteList()
+      ->AddNote(Vrad_NoteListBase_Note(Ticks(0), note, Time_TypedLength(), original, false));
+  return song;
+}
+
+TEST(Host_ReadProjectFile, KeepsValuesThatFailChecks) {
+  Host_Song const song = MakeSongWithOddOriginal();
+  Bytes const bytes = Host_WriteProjectFile(song);
+  Host_Song const copy = Read(bytes);
+  EXPECT_EQ(PrintSong(copy), PrintSong(song));
+  EXPECT_EQ(PrintSong(copy).back(), "0: note 60 +480000 on 100 off 64, was note -1 +0 on 0 off -2");
+  EXPECT_EQ(Host_WriteProjectFile(copy), bytes);
+}
+
+TEST(Host_ReadProjectFile, TellsValuesThatFailChecksAndNoLoss) {
+  Host_Song const song = Read(Host_WriteProjectFile(MakeSongWithOddOriginal()));
+  std::string const clip = "183: record 'vradClip' holds a value that fails the check ";
+  EXPECT_THAT(PrintProblems(song),
+              ElementsAre(clip + "durationTyped.AsInt64() > 0", clip + "iPitch >= 0",
+                          clip + "iDuration >= Time_TypedLength(1, iDuration.GetType())",
+                          clip + "iOnVelocity >= 1", clip + "iOffVelocity >= 0"));
+  EXPECT_FALSE(song.mReport.IsLossy());
+}
+
 TEST(Host_ReadProjectFile, TellsAClipWithoutAChunk) {
   Host_Song const song = Read(File(Record(kHost_ProjectClip, Ints({0, 0})), 0, 0, 3));
   ASSERT_THAT(PrintProblems(song), testing::SizeIs(1));
