@@ -162,6 +162,8 @@ RC_GTEST_PROP(Vrad_Chunk_EditProperties, EachEditIsOneStepThatUndoAndRedoReverse
     ChunkPtr const other = MakeChunk(Ndo_Object::kUndoable, true);
     Fill(*chunk.Get(), unit);
     Fill(*other.Get(), unit, *rc::gen::element(1, 5));
+    // The other unit, perhaps, among them.
+    if (*rc::gen::arbitrary<bool>()) Fill(*chunk.Get(), AnyUnit());
     std::string const source = FullPrint(*other.Get());
     for (long long i = *rc::gen::inRange(0, 4); i > 0; --i)
       chunk->AddClipBoundary(i * 4000 - 5000);
@@ -215,6 +217,26 @@ RC_GTEST_PROP(Vrad_Chunk_EditProperties, AddingEverythingToAnEmptyChunkCopiesIt,
   chunk->AddEventsFromChunk(source.Get(), Time_Typed(-9000, unit), Time_Typed(99000, unit),
                             Time_TypedLength(0, unit), kNudgeTimes);
   RC_ASSERT(FullPrint(*chunk.Get()) == FullPrint(*source.Get()));
+}
+
+RC_GTEST_PROP(Vrad_Chunk_EditProperties, TheShiftForTickTimeMovesEverythingAndUndoesTheNotes, ()) {
+  Ndo_gManager.ClearHistory();
+  {
+    ChunkPtr const chunk = MakeChunk(Ndo_Object::kUndoable), moved = MakeChunk();
+    Fill(*chunk.Get(), Time_eType_Ticks);
+    Time_TypedLength const length(*rc::gen::inRange(-3000, 3000), Time_eType_Ticks);
+    moved->AddEventsFromChunk(chunk.Get(), Ticks(-9000), Ticks(99000), length, kNudgeTimes);
+    std::string const notes = PrintNotes(*chunk->GetNoteList());
+    Ndo_gManager.BeginTransaction();
+    chunk->QuantizeEventsForTTM(length);
+    RC_ASSERT(Ndo_gManager.EndTransaction());
+    RC_ASSERT(FullPrint(*chunk.Get()) == FullPrint(*moved.Get()));
+    RC_ASSERT(Ndo_gManager.Undo());
+    RC_ASSERT(PrintNotes(*chunk->GetNoteList()) == notes);
+    RC_ASSERT(Ndo_gManager.Redo());
+    RC_ASSERT(FullPrint(*chunk.Get()) == FullPrint(*moved.Get()));
+  }
+  Ndo_gManager.ClearHistory();
 }
 
 RC_GTEST_PROP(Vrad_Chunk_EditProperties, MovedNotesNeverComeBeforeABoundaryThatTheyWereBehind, ()) {

@@ -1,5 +1,5 @@
-// Bulk edits with each of their requests for memory refused in turn: what is left is a chunk in
-// order, and aborting the transaction brings back what was there.
+// Bulk edits and recording with each of their requests for memory refused in turn: what is left is
+// a chunk in order, and aborting the transaction brings back what was there.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -12,6 +12,7 @@
 #include "support/refusing_heap.h"
 #include "support/undo_testobject.h"
 #include "vrad/vrad_chunk.h"
+#include "vrad/vrad_chunkref.h"
 
 namespace {
 
@@ -147,5 +148,46 @@ TEST_P(Vrad_Chunk_BulkMemoryUndone, EveryRefusalIsTakenBackByAborting) {
     isRefused = refusing_heap::IsRefusedAfter(num, [&] { Apply(pair); });
     Ndo_gManager.AbortTransaction();
     EXPECT_EQ(PrintContents(*pair.mChunk.Get()), before) << "after " << num << " requests";
+  }
+}
+
+// A host may as well end the transaction and undo it.
+TEST_P(Vrad_Chunk_BulkMemoryUndone, EveryRefusalIsTakenBackByUndo) {
+  for (int num = 0, isRefused = 1; isRefused; ++num) {
+    Pair pair;
+    std::string const before = PrintContents(*pair.mChunk.Get());
+    Ndo_gManager.ClearHistory();
+    Ndo_gManager.BeginTransaction();
+    isRefused = refusing_heap::IsRefusedAfter(num, [&] { Apply(pair); });
+    Ndo_gManager.EndTransaction();
+    std::string const after = PrintContents(*pair.mChunk.Get());
+    bool const isUndone = Ndo_gManager.Undo();
+    EXPECT_EQ(PrintContents(*pair.mChunk.Get()), before) << "after " << num << " requests";
+    EXPECT_EQ(Ndo_gManager.Redo(), isUndone);
+    EXPECT_EQ(PrintContents(*pair.mChunk.Get()), after) << "after " << num << " requests";
+  }
+}
+
+TEST(Vrad_ChunkRef_Memory, ARefusedHandleLeavesTheChunkToTheCaller) {
+  ChunkPtr chunk = MakeChunk();
+  EXPECT_TRUE(refusing_heap::IsRefusedAfter(0, [&] { Vrad_ChunkRef const ref(chunk.Get()); }));
+  EXPECT_EQ(PrintContents(*chunk.Get()), "notes / misc");
+}
+
+TEST(Vrad_ChunkWriter_Memory, EveryRefusalLeavesAChunkInOrderThatGoesOnReceiving) {
+  for (Vrad_ExtendedEvent const & event :
+       {Vrad_ExtendedEvent(NoteAt(Ticks(150), 60, 20000000)), ControllerAt(Ticks(150), 9, 1),
+        SysexAt(Ticks(150), 5)}) {
+    for (int num = 0, isRefused = 1; isRefused; ++num) {
+      Vrad_ChunkRef const ref(MakeChunk().Release());
+      Fill(*ref, 100);
+      Vrad_ChunkWriter writer;
+      writer.SetChunkRef(ref);
+      isRefused = refusing_heap::IsRefusedAfter(num, [&] { writer.ReceiveEvent(event); });
+      ExpectInOrder(*ref);
+      if (!isRefused) continue;
+      writer.ReceiveEvent(event);
+      EXPECT_TRUE(ref->IsEventInChunk(event)) << "after " << num << " requests";
+    }
   }
 }

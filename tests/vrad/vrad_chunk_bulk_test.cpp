@@ -256,6 +256,24 @@ TEST_P(Vrad_Chunk_AddEventsOnGrid, ModeStartsWithoutAnOffsetInTicksDoesNotSnapNo
                             : "notes n60@1300t+4000t / stream 7 c7=90@1300t / misc x3@1300t");
 }
 
+TEST_P(Vrad_Chunk_AddEventsOnGrid, ModeStartsWithoutAnOffsetInSamplesSnapsEachStartAndKeepsTheEnd) {
+  Add(Ticks(0), Time_SampleLength(0), kNudgeStarts);
+  EXPECT_EQ(Contents(), GetParam()
+                            ? "notes n60@1000t+4300t / stream 7 c7=90@1000t / misc x3@1000t"
+                            : "notes n60@1300t+4000t / stream 7 c7=90@1300t / misc x3@1300t");
+}
+
+// Not refused, it would give each duration the unit of the note's time.
+TEST_P(Vrad_Chunk_AddEventsOnGrid, ModeStartsWithoutAnOffsetIsRefusedForANoteOfOneTick) {
+  mSource->GetNoteList()->Clear();
+  Vrae_NoteWithDurationEvent const inSamples(60, Time_SampleLength(100), 100, 64);
+  mSource->AddEvent(Vrad_NoteWithDurationExtendedEvent(Ticks(2000), inSamples, false));
+  Add(Ticks(1400), Time_TickLength(0), kNudgeStarts);
+  mSource->AddEvent(NoteAt(Ticks(3000), 61, 1));
+  Add(Ticks(1400), Time_TickLength(0), kNudgeStarts);
+  EXPECT_EQ(Contents(), "notes n60@2000t+4000t n60@2000t+100s n61@3000t+1t / misc");
+}
+
 TEST_P(Vrad_Chunk_AddEventsOnGrid, ModeDurationsWithoutAnOffsetChangesNoNote) {
   Add(Ticks(0), Time_TickLength(0), kNudgeDurations);
   EXPECT_EQ(Contents().substr(0, 21), "notes n60@1300t+4000t");

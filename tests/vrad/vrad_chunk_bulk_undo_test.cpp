@@ -137,6 +137,24 @@ TEST_F(Vrad_Chunk_BulkUndo, AddEventsFromChunkOfAnEmptyRangeAnnouncesNothing) {
   EXPECT_EQ(Announced([&] { Add(50, 60, 1, kNudgeTimes); }), "");
 }
 
+// The notes in between, copied and moved, are no object of the step.
+TEST_F(Vrad_Chunk_BulkUndo, EditsOfNotesAnnounceTheNoteListAlone) {
+  Ndo_gManager.BeginTransaction();
+  Add(10, 11, 5, kNudgeTimes);
+  Erase(10, 11, 5);
+  EXPECT_EQ(Ndo_gManager.GetNumAnnounced(), 1);
+  Ndo_gManager.EndTransaction();
+}
+
+TEST_F(Vrad_Chunk_BulkUndo, EditsOfAnEmptyRangeLeaveNoStep) {
+  for (long long const offset : {0, 5}) {
+    Ndo_gManager.BeginTransaction();
+    Add(50, 60, offset, kNudgeTimes);
+    Erase(50, 60, offset);
+    EXPECT_FALSE(Ndo_gManager.EndTransaction());
+  }
+}
+
 TEST_F(Vrad_Chunk_BulkUndo, EraseEventsFromChunkAnnouncesWithoutAMatchToo) {
   EXPECT_EQ(Announced([&] { Erase(10, 11, 1); }), "notes ");
   EXPECT_EQ(Announced([&] { Erase(20, 21, 1); }), "data ");

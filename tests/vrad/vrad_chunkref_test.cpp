@@ -350,6 +350,14 @@ TEST_F(Vrad_ChunkWriter_ReceiveEvent, NotesDeltaIsNoneInTheUnitOfItsTime) {
   EXPECT_EQ(FirstNote(mRef).mQuantizeTimeDelta.GetType(), Time_eType_Samples);
 }
 
+TEST_F(Vrad_ChunkWriter_ReceiveEvent, TimeAndEventAreCopiedAndTheStampIsNot) {
+  Vrae_SourceStamp stamp;
+  stamp.mStampFlag = 7;
+  mWriter.ReceiveEvent(Vrae_TimedEvent(Ticks(10), MakeSampleEvent(Vrae_Event::kShortSysex), stamp));
+  Vrad_EventStreamTimedEventsInRangeIter const iter(mRef->GetEventStream());
+  EXPECT_EQ((*iter).mSourceStamp.mStampFlag, 0);
+}
+
 TEST_F(Vrad_ChunkWriter_ReceiveEvent, NoteWithAFractionalPitchIsReportedAndLost) {
   Cmn_AssertRecorder const recorder;
   Receive(MakeSampleEvent(Vrae_Event::kPitchToMIDINoteWithDuration));

@@ -153,6 +153,16 @@ TEST(Vrad_NoteList_LongNotes, LengtheningAShortNoteFilesItWithItsOldDuration) {
   EXPECT_EQ("62@0+15360000", Print(list));
 }
 
+TEST(Vrad_NoteList_LongNotes, TheCopyOfALengthenedNoteCatchesUpWhenTheyAreMadeAnew) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  List one;
+  AddNote(list, 60, 0, 10);
+  AddNote(one, 61, 5, 10);
+  list.ChangeNote(TickTime(0), NoteEvent(60, 1), NoteEvent(62, kLong));
+  list.Merge(&one);
+  EXPECT_EQ("62@0+15360000", PrintLongNotes(list));
+}
+
 TEST(Vrad_NoteList_LongNotes, ACopyThatIsMissingIsReportedAndTheNoteChangedAllTheSame) {
   Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
   AddNote(list, 60, 0, 10);
@@ -206,6 +216,54 @@ TEST(Vrad_NoteList_LongNotes, ReplacingGoesDownAChainWhileTheThresholdsAgree) {
   list.GetLongNoteList()->SetLongNoteDuration(SampleLength(7));
   list.ReplaceData(&source);
   EXPECT_EQ("61@0+200; 61@0+200; 61@0+200", PrintChain(list));
+}
+
+// A note that does not belong at the lowest level shows whether that was made anew.
+TEST(Vrad_NoteList_LongNotes, MergingGoesDownAChainWhileTheThresholdsAgree) {
+  ChainedList list, other;
+  AddNotes(list, {{60, 0, 100}});
+  AddNotes(other, {{61, 0, 60}, {62, 0, 100}});
+  AddNote(*other.GetLongNoteList()->GetLongNoteList(), 99, 7, 1);
+  list.Merge(&other);
+  EXPECT_EQ("60@0+100 | 61@0+60 | 62@0+100; 60@0+100 | 61@0+60 | 62@0+100; "
+            "60@0+100 | 62@0+100 | 99@7+1",
+            PrintChain(list));
+  other.GetLongNoteList()->SetLongNoteDuration(SampleLength(7));
+  list.Clear();
+  list.Merge(&other);
+  EXPECT_EQ("61@0+60 | 62@0+100; 61@0+60 | 62@0+100; 62@0+100", PrintChain(list));
+}
+
+TEST(Vrad_NoteList_LongNotes, ErasingGoesDownAChainWhileTheThresholdsAgree) {
+  ChainedList list, other;
+  AddNotes(list, {{60, 0, 100}, {61, 0, 60}, {62, 0, 100}});
+  AddNote(*list.GetLongNoteList()->GetLongNoteList(), 99, 7, 1);
+  AddNotes(other, {{62, 0, 100}});
+  list.Erase(&other);
+  EXPECT_EQ("60@0+100 | 61@0+60; 60@0+100 | 61@0+60; 60@0+100 | 99@7+1", PrintChain(list));
+  other.GetLongNoteList()->SetLongNoteDuration(SampleLength(7));
+  list.Erase(&other);
+  EXPECT_EQ("60@0+100 | 61@0+60; 60@0+100 | 61@0+60; 60@0+100", PrintChain(list));
+}
+
+TEST(Vrad_NoteList_LongNotes, ErasingARangeGoesDownAChain) {
+  ChainedList list;
+  AddNotes(list, {{60, 0, 100}, {61, 5, 100}});
+  list.EraseTimeRange(TickTime(0), TickTime(5));
+  EXPECT_EQ("61@5+100; 61@5+100; 61@5+100", PrintChain(list));
+}
+
+TEST(Vrad_NoteList_LongNotes, EachWayOfMovingGoesDownAChain) {
+  ChainedList list;
+  AddNotes(list, {{60, 0, 100}});
+  list.OffsetTimes(TickLength(7));
+  EXPECT_EQ("60@7+100; 60@7+100; 60@7+100", PrintChain(list));
+  list.OffsetStarts(TickLength(3));
+  EXPECT_EQ("60@10+97; 60@10+97; 60@10+97", PrintChain(list));
+  list.OffsetDurations(TickLength(-50));
+  EXPECT_EQ("60@10+47; 60@10+47; 60@10+47", PrintChain(list));
+  list.OffsetPitches(TickLength(1));
+  EXPECT_EQ("59@10+47; 59@10+47; 59@10+47", PrintChain(list));
 }
 
 TEST(Vrad_NoteList_LongNotes, MakingThemAnewEmptiesAndFillsTheWholeChain) {

@@ -1,8 +1,6 @@
-// Moving times, starts, ends and pitches; the dump.
+// Moving times, starts, ends and pitches.
 #include <gtest/gtest.h>
 
-#include <iostream>
-#include <sstream>
 #include <string>
 
 #include "cmn/cmn_assert.h"
@@ -29,6 +27,21 @@ Vrad_NoteListBase_Note SampleNote(int iPitch, long long iTime, long long iDurati
   return Vrad_NoteListBase_Note(SampleTime(iTime), NoteEvent(iPitch, SampleLength(iDuration)));
 }
 
+// A host's converter, to which every length is twice as long.
+class DoublingConverter : public Time_TempoMap {
+public:
+  DoublingConverter() : mFormerP(Time_Convert::sTimeConverter) {
+    Time_Convert::sTimeConverter = this;
+  }
+  ~DoublingConverter() override { Time_Convert::sTimeConverter = mFormerP; }
+  Time_Typed AddLength(Time_Typed iStart, Time_TypedLength const & iLength) const override {
+    return Time_TempoMap::AddLength(iStart, iLength + iLength);
+  }
+
+private:
+  Time_Converter * mFormerP;
+};
+
 }  // namespace
 
 TEST_F(Vrad_NoteList_OffsetTimes, MovesAllNotesAndNothingElse) {
@@ -52,6 +65,13 @@ TEST_F(Vrad_NoteList_OffsetTimes, TurnsALengthOfTheOtherUnitAtEachNote) {
   mList.OffsetTimes(SampleLength(10));
   EXPECT_EQ("60@400+10 | 61@4800+10", Print(mList));
   Time_Convert::GetDefaultTempoMap().Reset(120);
+}
+
+TEST_F(Vrad_NoteList_OffsetTimes, AsksTheConverterForALengthOfTheSameUnitToo) {
+  DoublingConverter const converter;
+  AddNotes(mList, {{60, 0, 100}});
+  mList.OffsetTimes(TickLength(10));
+  EXPECT_EQ("60@20+100", Print(mList));
 }
 
 TEST_F(Vrad_NoteList_OffsetTimes, DoesNotSortAgain) {
@@ -208,6 +228,26 @@ TEST_F(Vrad_NoteList_OffsetStarts, LeavesWhoIsLongAsItWas) {
   EXPECT_EQ("61@-10+59", PrintLongNotes(mOther));
 }
 
+// By the threshold of the new unit it is short.
+TEST_F(Vrad_NoteList_OffsetStarts, ALongNoteWhoseUnitChangesStaysLongUntilAllAreMadeAnew) {
+  mList.SetLongNoteDuration(SampleLength(50));
+  mList.AddNote(Vrad_NoteListBase_Note(TickTime(0), NoteEvent(60, SampleLength(60))));
+  mList.OffsetStarts(TickLength(100));
+  EXPECT_EQ("60@100+2300", PrintLongNotes(mList));
+  AttachableList one;
+  AddNotes(one, {{62, 90, 1}});
+  mList.Merge(&one);
+  EXPECT_EQ("", PrintLongNotes(mList));
+}
+
+// The end as well as the start.
+TEST_F(Vrad_NoteList_OffsetStarts, AsksTheConverterForLengthsOfTheSameUnitToo) {
+  DoublingConverter const converter;
+  AddNotes(mList, {{60, 0, 100}});
+  mList.OffsetStarts(TickLength(10));
+  EXPECT_EQ("60@20+180", Print(mList));
+}
+
 TEST_F(Vrad_NoteList_OffsetStarts, WhileTickTimesMatterSnapsALengthInTicks) {
   TickTimesMatterScope const scope;
   Vrad_NoteList list = MakeList(true, {{60, 7, 5000}});
@@ -222,6 +262,16 @@ TEST_F(Vrad_NoteList_OffsetStarts, TheLongNotesGetTheSnappedLength) {
   AddNotes(list, {{60, 7, 5000}});
   list.OffsetStarts(TickLength(1499));
   EXPECT_EQ("60@1007+4000", PrintLongNotes(list));
+}
+
+// Their own first note, in samples, would not have let them snap it.
+TEST_F(Vrad_NoteList_OffsetStarts, TheLongNotesGetTheLengthAsItThenStands) {
+  TickTimesMatterScope const scope;
+  Vrad_NoteList list = MakeList(true, {{60, 0, 5000}});
+  list.AddNote(SampleNote(61, 100, 48000));
+  list.OffsetStarts(TickLength(1480));
+  EXPECT_EQ("60@1000+4000 | 61@125s+47975s", Print(list));
+  EXPECT_EQ("61@125s+47975s", PrintLongNotes(list));
 }
 
 TEST_F(Vrad_NoteList_OffsetStarts, UnlessTickTimesMatterNeverSnaps) {
@@ -319,6 +369,13 @@ TEST_F(Vrad_NoteList_OffsetDurations, CarriesTheLengthOverInTheUnitOfTheNoteBefo
   mList.OffsetDurations(SampleLength(10));
   EXPECT_EQ("60@0+410 | 61@4000+410", Print(mList));
   Time_Convert::GetDefaultTempoMap().Reset(120);
+}
+
+TEST_F(Vrad_NoteList_OffsetDurations, AsksTheConverterAtEachNoteForALengthOfTheSameUnitToo) {
+  DoublingConverter const converter;
+  AddNotes(mList, {{60, 0, 100}, {61, 5, 100}});
+  mList.OffsetDurations(TickLength(10));
+  EXPECT_EQ("60@0+120 | 61@5+140", Print(mList));
 }
 
 TEST_F(Vrad_NoteList_OffsetDurations, TheLongNotesGetTheLengthAsItThenStands) {
@@ -469,60 +526,4 @@ TEST_F(Vrad_NoteList_OffsetPitches, IsOneStepOfUndo) {
   EXPECT_EQ("59@0+60 | 60@1+20 (59@0+60); 60@0+60 | 61@1+20 (60@0+60); "
             "59@0+60 | 60@1+20 (59@0+60)",
             PrintUndoAndRedo(mList));
-}
-
-namespace {
-
-// What is written to the standard output while it lives.
-class CapturedOutput {
-public:
-  CapturedOutput() : mFormerP(std::cout.rdbuf(mText.rdbuf())) {}
-  ~CapturedOutput() { std::cout.rdbuf(mFormerP); }
-  CapturedOutput(CapturedOutput const &) = delete;
-  CapturedOutput & operator=(CapturedOutput const &) = delete;
-  std::string Get() const { return mText.str(); }
-
-private:
-  std::ostringstream mText;
-  std::streambuf * mFormerP;
-};
-
-}  // namespace
-
-TEST(Vrad_NoteList_PrintList, WritesThousandsOfTicksAndPitches) {
-  Vrad_NoteList const list = MakeList(false, {{60, 0, 10}, {61, 999, 10}, {62, 960000, 10}});
-  CapturedOutput const output;
-  list.PrintList();
-  EXPECT_EQ("0 60,0 61,960 62,\n", output.Get());
-}
-
-TEST(Vrad_NoteList_PrintList, TruncatesTowardsZero) {
-  Vrad_NoteList const list = MakeList(false, {{60, -1999, 10}, {61, -999, 10}, {62, 1999, 10}});
-  CapturedOutput const output;
-  list.PrintList();
-  EXPECT_EQ("-1 60,0 61,1 62,\n", output.Get());
-}
-
-TEST(Vrad_NoteList_PrintList, WritesTimesInSamplesAsTicks) {
-  Vrad_NoteList list = MakeList(false, {});
-  list.AddNote(SampleNote(60, 48000, 10));
-  CapturedOutput const output;
-  list.PrintList();
-  EXPECT_EQ("1920 60,\n", output.Get());
-}
-
-TEST(Vrad_NoteList_PrintList, WritesASignedPitch) {
-  Vrad_NoteList list = MakeList(false, {});
-  Vrad_NoteListBase_Note note = StoredNote(60, 0, 10);
-  note.mEvent.mU.mNoteWithDuration.mPitch = -5;
-  list.AddNote(note);
-  CapturedOutput const output;
-  list.PrintList();
-  EXPECT_EQ("0 -5,\n", output.Get());
-}
-
-TEST(Vrad_NoteList_PrintList, WritesALineEndForAnEmptyList) {
-  CapturedOutput const output;
-  Vrad_NoteListBase(Ndo_Object::kNotUndoable, false).PrintList();
-  EXPECT_EQ("\n", output.Get());
 }

@@ -125,6 +125,9 @@ TEST_F(Vrad_NoteList_AvoidingMerge, AnExistingNoteThatWouldLoseAQuarterGoes) {
 TEST_F(Vrad_NoteList_AvoidingMerge, AnExistingNoteThatWouldLoseLessThanAQuarterStays) {
   EXPECT_EQ("new 0+60 | old 60+164", Merged({{60, 164}}, {{0, 100}}));
 }
+TEST_F(Vrad_NoteList_AvoidingMerge, TheQuarterThatAnExistingNoteLosesIsThatOfAWholeDivision) {
+  EXPECT_EQ("new 0+100", Merged({{60, 163}}, {{0, 100}}));  // 163 / 4 is 40
+}
 TEST_F(Vrad_NoteList_AvoidingMerge, AnExistingNoteOfTwiceTheLengthCutsTheIncomingOne) {
   EXPECT_EQ("new 0+60 | old 60+200", Merged({{60, 200}}, {{0, 100}}));
 }
@@ -218,6 +221,19 @@ TEST_F(Vrad_NoteList_AvoidingMerge, ChangesNothingOfANoteButItsDuration) {
   expected.AddNote(Vrad_NoteListBase_Note(TickTime(0), NoteEvent(60, 30, 33), TickLength(3),
                                           NoteEvent(58, 7, 11), true));
   AddNotes(expected, {{60, 30, 10}});
+  EXPECT_TRUE(mList == expected);
+}
+
+TEST_F(Vrad_NoteList_AvoidingMerge, ChangesNothingOfAnIncomingNoteButItsDuration) {
+  AddNotes(mList, {{60, 60, 200}});
+  mOther.AddNote(Vrad_NoteListBase_Note(TickTime(0), NoteEvent(60, 100, 33), TickLength(3),
+                                        NoteEvent(58, 7, 11), true));
+  mList.Merge(&mOther);
+  Vrad_NoteList expected(Ndo_Object::kNotUndoable, false);
+  expected.AddNote(Vrad_NoteListBase_Note(TickTime(0), NoteEvent(60, 60, 33), TickLength(3),
+                                          NoteEvent(58, 7, 11), true));
+  EXPECT_TRUE(mOther == expected);
+  AddNotes(expected, {{60, 60, 200}});
   EXPECT_TRUE(mList == expected);
 }
 

@@ -75,6 +75,10 @@ TEST(Vrad_NoteList_LatestRelease, CountsOnlyNotesThatStartInTheRange) {
   EXPECT_EQ("200", Latest(MakeList(), 200, 400));
 }
 
+TEST(Vrad_NoteList_LatestRelease, IsTheStartOfARangeThatEndsBeforeIt) {
+  EXPECT_EQ("110", Latest(MakeList(), 110, 90));
+}
+
 TEST(Vrad_NoteList_LatestRelease, IgnoresAShortNoteThatStartsAThresholdBeforeTheEnd) {
   Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
   list.SetLongNoteDuration(TickLength(100));

@@ -1,4 +1,6 @@
-// What a note list says about itself as a tree.
+// What a note list says about itself, as a tree and as a line of text.
+#include <iostream>
+#include <sstream>
 #include <string>
 #include <type_traits>
 
@@ -143,4 +145,76 @@ TEST(Vrad_NoteListBase_GetAsXML, IsASnapshot) {
   Cmn_XMLNodePtr const before = list.GetAsXML();
   list.AddNote(Vrad_NoteListBase_Note(TickTime(0), NoteOf(60, TickLength(1), 100, 64)));
   EXPECT_EQ(PrintChildren(before), "nNumNotes=0");
+}
+
+namespace {
+
+// What is written to the standard output while it lives, and what of it has been flushed.
+class CapturedOutput : private std::stringbuf {
+public:
+  CapturedOutput() : mFormerP(std::cout.rdbuf(this)) {}
+  ~CapturedOutput() override { std::cout.rdbuf(mFormerP); }
+  CapturedOutput(CapturedOutput const &) = delete;
+  CapturedOutput & operator=(CapturedOutput const &) = delete;
+  std::string Get() const { return str(); }
+  std::string GetFlushed() const { return mFlushed; }
+
+private:
+  int sync() override {
+    mFlushed = str();
+    return 0;
+  }
+
+  std::string mFlushed;
+  std::streambuf * mFormerP;
+};
+
+}  // namespace
+
+TEST(Vrad_NoteList_PrintList, WritesThousandsOfTicksAndPitches) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  AddNotes(list, {{60, 0, 10}, {61, 999, 10}, {62, 960000, 10}});
+  CapturedOutput const output;
+  list.PrintList();
+  EXPECT_EQ("0 60,0 61,960 62,\n", output.Get());
+}
+
+TEST(Vrad_NoteList_PrintList, TruncatesTowardsZero) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  AddNotes(list, {{60, -1999, 10}, {61, -999, 10}, {62, 1999, 10}});
+  CapturedOutput const output;
+  list.PrintList();
+  EXPECT_EQ("-1 60,0 61,1 62,\n", output.Get());
+}
+
+TEST(Vrad_NoteList_PrintList, WritesTimesInSamplesAsTicks) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  list.AddNote(Vrad_NoteListBase_Note(SampleTime(48000), NoteEvent(60, SampleLength(10))));
+  CapturedOutput const output;
+  list.PrintList();
+  EXPECT_EQ("1920 60,\n", output.Get());
+}
+
+TEST(Vrad_NoteList_PrintList, WritesASignedPitch) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  Vrad_NoteListBase_Note note = StoredNote(60, 0, 10);
+  note.mEvent.mU.mNoteWithDuration.mPitch = -5;
+  list.AddNote(note);
+  CapturedOutput const output;
+  list.PrintList();
+  EXPECT_EQ("0 -5,\n", output.Get());
+}
+
+TEST(Vrad_NoteList_PrintList, WritesALineEndForAnEmptyList) {
+  CapturedOutput const output;
+  Vrad_NoteListBase(Ndo_Object::kNotUndoable, false).PrintList();
+  EXPECT_EQ("\n", output.Get());
+}
+
+TEST(Vrad_NoteList_PrintList, FlushesTheWholeLine) {
+  Vrad_NoteList list(Ndo_Object::kNotUndoable, false);
+  AddNote(list, 60, 2000, 10);
+  CapturedOutput const output;
+  list.PrintList();
+  EXPECT_EQ("2 60,\n", output.GetFlushed());
 }
