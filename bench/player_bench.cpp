@@ -127,10 +127,21 @@ void AddClip(benchmark::State & ioState) {
   }
 }
 
+// A note was edited, and the player is told where.
+void TellEdit(benchmark::State & ioState) {
+  Vrad_Chunk & clip = ClipOf(ioState.range(0));
+  Host_BlockPlayer player(nullptr);
+  player.AddClip(&clip, 0, 0);
+  Time_Typed const time = PositionOf(ioState.range(0), 1);
+  for (auto _ : ioState)
+    player.ClipEdited(0, time, time + Time_TickLength(1));
+}
+
 BENCHMARK(Block)->Arg(1)->Arg(16)->Arg(128);
 BENCHMARK(Jump)->Arg(10000)->Arg(1000000);
 BENCHMARK(Walk)->Arg(1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(AddClip)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(TellEdit)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -151,6 +151,11 @@ void Host_BlockPlayer::ClipEdited(int iClip) {
     mImplP->mClips.TakeEdit(*clipP, mImplP->mPosition);
 }
 
+void Host_BlockPlayer::ClipEdited(int iClip, Time_Typed iFrom, Time_Typed iTo) {
+  if (Host_ClipPlayback * const clipP = mImplP->mClips.Find(iClip))
+    mImplP->mClips.TakeEdit(*clipP, mImplP->mPosition, Host_TimeRange{iFrom, iTo});
+}
+
 void Host_BlockPlayer::RemoveClip(int iClip) {
   if (Host_ClipPlayback * const clipP = mImplP->mClips.Find(iClip)) mImplP->mClips.Remove(*clipP);
 }

@@ -45,14 +45,28 @@ void AddAll(Vrae_TimedEventIterator && iIter, Density & ioDensity) {
     ioDensity.Add((*iIter).mTime);
 }
 
-Density GetDensity(Vrad_Chunk & iChunk) {
+// Of all events, or of those in a range.
+template <class... TTimes>
+Density GetDensity(Vrad_Chunk & iChunk, TTimes... iRange) {
   Density density;
-  for (Vrad_NoteListBase::FullNotesInRangeIter iter(iChunk.GetNoteList()); iter.IsMore(); ++iter)
+  for (Vrad_NoteListBase::FullNotesInRangeIter iter(iChunk.GetNoteList(), iRange...); iter.IsMore();
+       ++iter)
     density.Add((*iter).mTime);
   for (Ndo_Ptr<Vrad_ContinuousDataStream> const & streamP : iChunk.GetContinuousList())
-    AddAll(Vrad_ContinuousDataStreamTimedEventsInRangeIter(streamP.Get()), density);
-  AddAll(Vrad_EventStreamTimedEventsInRangeIter(iChunk.GetEventStream()), density);
+    AddAll(Vrad_ContinuousDataStreamTimedEventsInRangeIter(streamP.Get(), iRange...), density);
+  AddAll(Vrad_EventStreamTimedEventsInRangeIter(iChunk.GetEventStream(), iRange...), density);
   return density;
+}
+
+// Of those in a range and of what can be retrieved together with these. Of all when a time in
+// samples comes up, which may be retrieved together with anything.
+Density GetDensityIn(Vrad_Chunk & iChunk, Host_TimeRange const & iRange) {
+  bool const isInTicks =
+      iRange.mFrom.GetType() == Time_eType_Ticks && iRange.mTo.GetType() == Time_eType_Ticks;
+  if (!isInTicks) return GetDensity(iChunk);
+  Time_TickLength const margin(3 * Host_ClipPlayback::kMaxStretch);
+  Density const density = GetDensity(iChunk, iRange.mFrom - margin, iRange.mTo + margin);
+  return density.HasSamples() ? GetDensity(iChunk) : density;
 }
 
 bool IsNote(Vrae_TimedEvent const & iEvent) {
@@ -79,8 +93,9 @@ bool ArePlayedAlike(Vrae_TimedEvent const & iA, Vrae_TimedEvent const & iB) {
 Host_ClipPlayback::Host_ClipPlayback(Vrad_Chunk * iChunkP, int iChannel, int iClip)
     : mChunkP(iChunkP), mChannel(iChannel), mClip(iClip), mTold(&Host_GetChaseMap(), true) {}
 
-void Host_ClipPlayback::Prepare(Host_PlayPosition const & iPosition) {
-  Density density = GetDensity(*mChunkP);
+void Host_ClipPlayback::Prepare(Host_PlayPosition const & iPosition,
+                                std::optional<Host_TimeRange> const & iRange) {
+  Density density = iRange && !mHasSamples ? GetDensityIn(*mChunkP, *iRange) : GetDensity(*mChunkP);
   Host_ParameterList parameters = Host_GetParameters(*mChunkP, mClip);
   Host_ProgramChase programs;
   programs.Build(*mChunkP);

@@ -2,6 +2,8 @@
 // the stretch that is being played.
 #pragma once
 
+#include <optional>
+
 #include "foundation/time_typed.h"
 #include "host/host_parameterchase.h"
 #include "host/host_playposition.h"
@@ -30,8 +32,10 @@ public:
   Host_ClipPlayback & operator=(Host_ClipPlayback const &) = delete;
 
   /// Makes room for the events of any stretch and gathers the parameters, as the chunk now stands.
-  /// `iPosition`: where the player stands. Fails: std::bad_alloc; what was prepared before stays.
-  void Prepare(Host_PlayPosition const & iPosition);
+  /// `iPosition`: where the player stands. `iRange`: where alone the chunk has changed since it was
+  /// prepared last. Fails: std::bad_alloc; what was prepared before stays.
+  void Prepare(Host_PlayPosition const & iPosition,
+               std::optional<Host_TimeRange> const & iRange = std::nullopt);
 
   /// The chunk is not touched any more.
   void Abandon() { mChunkP = nullptr; }

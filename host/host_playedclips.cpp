@@ -57,9 +57,10 @@ bool Host_PlayedClips::Add(Vrad_Chunk * iChunkP, int iChannel, int iClip,
   return true;
 }
 
-void Host_PlayedClips::TakeEdit(Host_ClipPlayback & ioClip, Host_PlayPosition const & iPosition) {
+void Host_PlayedClips::TakeEdit(Host_ClipPlayback & ioClip, Host_PlayPosition const & iPosition,
+                                std::optional<Host_TimeRange> const & iRange) {
   ioClip.mIsEdited = true;
-  ioClip.Prepare(iPosition);
+  ioClip.Prepare(iPosition, iRange);
   ReserveParameters(ioClip.GetChannel());
 }
 

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "host/host_clipplayback.h"
@@ -35,8 +36,9 @@ public:
   Host_ClipPlayback * Find(int iClip) const;
   /// False for a null chunk, a bad channel or a number in use. Fails: std::bad_alloc.
   bool Add(Vrad_Chunk * iChunkP, int iChannel, int iClip, Host_PlayPosition const & iPosition);
-  /// Fails: std::bad_alloc.
-  void TakeEdit(Host_ClipPlayback & ioClip, Host_PlayPosition const & iPosition);
+  /// `iRange`: as in `Host_ClipPlayback::Prepare`. Fails: std::bad_alloc.
+  void TakeEdit(Host_ClipPlayback & ioClip, Host_PlayPosition const & iPosition,
+                std::optional<Host_TimeRange> const & iRange = std::nullopt);
   void Remove(Host_ClipPlayback & ioClip);
   void SetMuted(Host_ClipPlayback & ioClip, bool iIsMuted);
 

@@ -25,6 +25,11 @@ struct Host_PlayPosition {
   }
 };
 
+/// From a time up to another.
+struct Host_TimeRange {
+  Time_Typed mFrom, mTo;
+};
+
 /// What lies between two positions.
 struct Host_PlayStretch {
   Host_PlayPosition mFrom, mTo;

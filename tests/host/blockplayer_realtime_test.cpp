@@ -1,6 +1,7 @@
 // What a player does on the audio thread takes no memory, waits for nothing and throws nothing.
 #include <gtest/gtest.h>
 
+#include "foundation/time_convert.h"
 #include "random_clips.h"
 #include "support/realtime_scope.h"
 
@@ -29,6 +30,14 @@ struct Rig {
   Host_BlockPlayer mPlayer{&mList};
   ChunkPtr mChunks[4];
 };
+
+void AddManyNotes(Vrad_Chunk & ioChunk, Time_Typed iTime) {
+  for (int i = 0; i < 3000; ++i) {
+    Vrae_NoteWithDurationEvent const note(static_cast<signed char>(i % 128),
+                                          Time_TickLength(400 + i), 100, 64);
+    ioChunk.AddEvent(Vrad_NoteWithDurationExtendedEvent(iTime, note, false));
+  }
+}
 
 }  // namespace
 
@@ -82,6 +91,48 @@ TEST(Host_BlockPlayer_Process, IsFitForTheAudioThreadWithAThousandNotesAtOneTick
   for (int i = 0; i < 1000; ++i)
     AddNote(*rig.mChunks[0].Get(), 5000, 10 + i, i % 128);
   rig.mPlayer.ClipEdited(0);
+  rig.mPlayer.Start(AtSample(4990));
+  EXPECT_EQ("", rig.Play(2000));
+}
+
+TEST(Host_BlockPlayer_Process, IsFitForTheAudioThreadAfterAnEditOfARange) {
+  Rig rig;
+  AddManyNotes(*rig.mChunks[0].Get(), AtSample(5000));
+  rig.mPlayer.ClipEdited(0, AtSample(5000), AtSample(5001));
+  rig.mPlayer.Start(AtSample(4990));
+  EXPECT_EQ("", rig.Play(2000));
+}
+
+TEST(Host_BlockPlayer_Process, HasRoomForWhatComesTogetherWithAnEditedRange) {
+  for (long long const distance : {-4000, 4000}) {
+    Rig rig;
+    for (long long const sample : {8000LL, 8000 + distance}) {
+      AddManyNotes(*rig.mChunks[0].Get(), AtSample(sample));
+      rig.mPlayer.ClipEdited(0, AtSample(sample), AtSample(sample + 1));
+    }
+    rig.mPlayer.Start(AtSample(3990));
+    EXPECT_EQ("", rig.Play(8192)) << distance;
+  }
+}
+
+TEST(Host_BlockPlayer_Process, HasRoomForEventsInSamplesOfAnEditedRange) {
+  Rig rig;
+  AddManyNotes(*rig.mChunks[0].Get(), AtSample(19900));
+  rig.mPlayer.ClipEdited(0);
+  for (int i = 0; i < 3000; ++i)
+    rig.mChunks[0]->AddEvent(SysexAt(Samples(100), i % 128));
+  rig.mPlayer.ClipEdited(0, AtSample(100), AtSample(101));
+  // Another tempo brings together what is in samples and what is in ticks.
+  Time_Convert::GetDefaultTempoMap().Reset(120.0 * 19900 / 100);
+  rig.mPlayer.Start(Samples(90));
+  EXPECT_EQ("", rig.Play(100));
+  Time_Convert::GetDefaultTempoMap().Reset(120.0);
+}
+
+TEST(Host_BlockPlayer_Process, HasRoomAfterAnEditOfARangeInSamples) {
+  Rig rig;
+  AddManyNotes(*rig.mChunks[0].Get(), AtSample(5000));
+  rig.mPlayer.ClipEdited(0, Samples(5000), Samples(5001));
   rig.mPlayer.Start(AtSample(4990));
   EXPECT_EQ("", rig.Play(2000));
 }
