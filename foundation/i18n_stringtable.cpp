@@ -45,8 +45,9 @@ void AppendWide(std::wstring & ioText, char32_t iChar) {
 char32_t TakeWide(wchar_t const *& ioText) {
   char32_t const first = static_cast<char32_t>(*ioText++);
   if (!IsSurrogate(first)) return first <= 0x10ffff ? first : kReplacement;
+  if (!kIsWideUTF16 || first >= 0xdc00) return kReplacement;
   char32_t const second = static_cast<char32_t>(*ioText);
-  if (!kIsWideUTF16 || first >= 0xdc00 || second < 0xdc00 || second >= 0xe000) return kReplacement;
+  if (second < 0xdc00 || second >= 0xe000) return kReplacement;
   ++ioText;
   return 0x10000 + ((first - 0xd800) << 10) + (second - 0xdc00);
 }

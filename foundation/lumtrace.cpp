@@ -79,7 +79,8 @@ struct Slots {
 std::string FormatText(char const * iFormat, std::va_list iArguments) {
   std::va_list again;
   va_copy(again, iArguments);
-  int const length = std::vsnprintf(nullptr, 0, iFormat, iArguments);
+  int const length = std::vsnprintf(nullptr, 0, iFormat,
+                                    iArguments);  // NOLINT(clang-analyzer-valist.Uninitialized)
   std::string text(length > 0 ? static_cast<size_t>(length) : 0, '\0');
   std::vsnprintf(text.data(), text.size() + 1, iFormat, again);
   va_end(again);
