@@ -22,7 +22,7 @@ void Tell(Tool_Output & ioOut, Edit_Command const & iCommand,
           std::vector<Edit_ClipReport> const & iReports) {
   ioOut.Print("{}\n", iCommand.mText);
   for (Edit_ClipReport const & report : iReports)
-    ioOut.Print("  {}: {}\n", NameClip(report), report.mText);
+    ioOut.Print("  {}: {}\n", NameClip(report), report.mDifference.Describe());
   if (iReports.empty()) ioOut.Print("  nothing changed\n");
 }
 
@@ -43,7 +43,7 @@ int Tool_EditCommand::Run() const {
   for (std::string const & text : mCommands)
     commands.push_back(Edit_Parse(text));
   std::optional<long long> const clip = Tool_ParseClip(mClip);
-  if (Tool_GetFileKind("OUT", mOut) != kFileKind_Project) {
+  if (!Tool_IsProjectName(mOut)) {
     throw Tool_UsageError(fmt::format("OUT: '{}' does not end in .vrad", mOut));
   }
   Host_Song song = Tool_LoadFile(mIn);
@@ -52,8 +52,8 @@ int Tool_EditCommand::Run() const {
   Tool_Output out;
   for (Edit_Command const & command : commands)
     Tell(out, command, session.Apply(command));
-  session.RemoveEmptyClips();
+  session.Finish();
   Tool_SaveFile(mOut, song);
   out.Flush();
-  return Tool_GetStatus(song);
+  return session.IsTakeLossy() ? kStatus_BadInput : Tool_GetStatus(song);
 }

@@ -39,9 +39,13 @@ void TellNotWritten(std::string const & iPath, Host_WriteReport const & iReport)
 
 }  // namespace
 
+bool Tool_IsProjectName(std::string const & iPath) {
+  return GetEnding(iPath) == ".vrad";
+}
+
 Host_EFileKind Tool_GetFileKind(std::string const & iWhat, std::string const & iPath) {
+  if (Tool_IsProjectName(iPath)) return kFileKind_Project;
   std::string const ending = GetEnding(iPath);
-  if (ending == ".vrad") return kFileKind_Project;
   if (ending == ".mid" || ending == ".midi") return kFileKind_Midi;
   throw Tool_UsageError(fmt::format("{}: '{}' ends neither in .vrad nor in .mid", iWhat, iPath));
 }
@@ -52,7 +56,7 @@ Host_Song Tool_ReadFile(std::string const & iPath) {
     Host_Progress const progress = [&bar](size_t iNumDone, size_t iNumBytes) {
       bar.Show(iNumDone, iNumBytes);
     };
-    if (GetEnding(iPath) == ".vrad") return Host_ReadProjectFile(iPath, progress);
+    if (Tool_IsProjectName(iPath)) return Host_ReadProjectFile(iPath, progress);
     return Host_ReadMidiFile(iPath, progress);
   } catch (Host_MidiFileError const & error) {
     throw Tool_InputError(
@@ -84,7 +88,7 @@ void Tool_SaveFile(std::string const & iPath, Host_Song const & iSong) {
   } catch (Host_MidiWriteError const & error) {
     throw Tool_InputError(fmt::format("{}: {}", iPath, error.what()));
   } catch (Sys_StreamException const & error) {
-    throw Tool_InputError(fmt::format("{}: {}", iPath, error.what()));
+    throw Tool_InputError(error.what());
   } catch (std::bad_alloc const &) {
     throw Tool_InputError(fmt::format("{}: out of memory", iPath));
   }

@@ -5,6 +5,9 @@
 
 #include "host/host_song.h"
 
+/// By the ending, in whatever case.
+bool Tool_IsProjectName(std::string const & iPath);
+
 /// By the ending: .vrad is a project, .mid and .midi are MIDI files, in whatever case.
 /// Fails: Tool_UsageError for any other, beginning with iWhat.
 Host_EFileKind Tool_GetFileKind(std::string const & iWhat, std::string const & iPath);
