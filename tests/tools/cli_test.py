@@ -405,8 +405,8 @@ class Progress(Tool):
 
     def test_long_print_shows_a_bar_and_takes_it_away(self):
         path = self.many_notes(50000)
-        for command in ("events", "wire"):
-            text = self.on_a_terminal([command, path, "--as", "jsonl"])
+        for words in (["events"], ["wire"], ["scrub", "--from", "0t", "--to", "90000:1", "--back"]):
+            text = self.on_a_terminal([*words, path, "--as", "jsonl"])
             self.assertIn("\r[" + "#" * 12 + " " * 28 + "]  30%", text)
             self.assertTrue(text.endswith("\r" + " " * 47 + "\r"))
 

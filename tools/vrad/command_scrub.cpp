@@ -25,10 +25,12 @@ int Tool_ScrubCommand::Run() const {
   Host_Song const song = way.Load();
   Time_Tick const from = way.GetFrom().AsTick(), to = way.GetTo().AsTick();
   Tool_ClipPrinter printer(song, mWay.mAs == "text");
+  printer.ShowProgress(way.GetClips());
   auto const print = [&](Tool_PassedTransition const & iTransition) { printer.Print(iTransition); };
   for (int clip : way.GetClips()) {
     Tool_Scrubber scrubber(*song.mClips[static_cast<size_t>(clip)].mChunk.Get(), from, to);
     printer.BeginClip(clip);
+    printer.Expect(scrubber.GetNumTransitions() * (mIsGoingBack ? 2 : 1));
     scrubber.MoveTo(to, print);
     if (mIsGoingBack) scrubber.MoveTo(from, print);
     printer.EndClip();

@@ -46,6 +46,7 @@ void Tool_ClipPrinter::Print(Tool_WireMessage const & iMessage) {
 }
 
 void Tool_ClipPrinter::Print(Tool_PassedTransition const & iTransition) {
+  CountPrint();
   if (!mIsText) return Tool_PrintScrubAsJSON(mOut, mSource, iTransition);
   PrintHeading();
   Tool_PrintScrubAsText(mOut, mBars, iTransition);

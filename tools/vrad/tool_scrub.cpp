@@ -74,6 +74,7 @@ Tool_Scrubber::Tool_Scrubber(Vrad_Chunk const & iChunk, Time_Tick iFrom, Time_Ti
 
 // In order of time, each looked for from the end: the place is never far.
 void Tool_Scrubber::Fill(Vrad_Chunk const & iChunk, long long iFirst, long long iLast) {
+  auto const isOnTheWay = [=](long long tick) { return iFirst <= tick && tick <= iLast; };
   short bend = 0;
   for (Vrae_TimedEvent const & stored : GetNotesAndBends(iChunk)) {
     Vrae_TimedEvent const event = InTicks(stored);
@@ -82,11 +83,12 @@ void Tool_Scrubber::Fill(Vrad_Chunk const & iChunk, long long iFirst, long long 
     long long const end = Time_Saturating::Add(start, event.GetDuration().AsInt64());
     short const former = bend;
     if (!isNote) bend = event.mEvent.AsPitchBend().GetBendValue();
-    if (start > iLast || end < iFirst) continue;
+    if (!isOnTheWay(start) && !isOnTheWay(end)) continue;
     if (isNote)
       mList.AddNote(event, true);
     else
       mList.AddPitchBend(event, former, true);
+    mNumTransitions += 2;
   }
 }
 

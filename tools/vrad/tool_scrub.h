@@ -1,6 +1,7 @@
 // What a dragged play position passes in one clip, and how it is printed.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 
 #include "foundation/time_typed.h"
@@ -25,6 +26,9 @@ public:
   /// from `iFrom` to `iTo` is left out. The bend before the first one is 0.
   Tool_Scrubber(Vrad_Chunk const & iChunk, Time_Tick iFrom, Time_Tick iTo);
 
+  /// At most so many are passed on the way.
+  size_t GetNumTransitions() const { return mNumTransitions; }
+
   /// Moves to a tick, and hands over what is passed on the way, in order.
   void MoveTo(Time_Tick iTick, Receiver const & iReceiver);
 
@@ -32,6 +36,7 @@ private:
   void Fill(Vrad_Chunk const & iChunk, long long iFirst, long long iLast);
 
   Vrad_ScrubList mList;
+  size_t mNumTransitions = 0;
   long long mPosition;
 };
 
