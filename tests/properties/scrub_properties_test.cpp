@@ -1,9 +1,11 @@
 // Scrubbing to and fro against a sorted list of all transitions: each is handed out once for each
-// time that it is crossed, in the order of the way.
+// time that it is crossed, in the order of the way. And against the same rules in an array, also
+// for what is out of order or counts as passed on purpose.
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -126,7 +128,107 @@ private:
   long long mPosition = 0;
 };
 
+std::string Print(Transition const & iTransition) {
+  Vrad_ScrubEvent event;
+  event.mTime = iTransition.mTime;
+  event.mType = iTransition.mType;
+  event.mValue = static_cast<short>(iTransition.mValue);
+  return Print(&event);
+}
+
+// The list in an array. The place behind the last one stands for null.
+class ArrayList {
+public:
+  void AddNote(int iPitch, long long iStart, long long iLength, bool iFromEnd) {
+    Transition const start{iStart, 3, iPitch}, end{iStart + iLength, 0, iPitch};
+    if (!mAll.empty()) return AddPair(start, end, iFromEnd);
+    Insert(0, start);
+    Insert(1, end);
+  }
+  void AddBend(int iBefore, int iAfter, long long iTime, bool iFromEnd) {
+    Transition const before{iTime, 1, iBefore}, after{iTime, 2, iAfter};
+    if (!mAll.empty()) return AddPair(before, after, iFromEnd);
+    mAll = {before, after};
+    mCurrent = 2;
+  }
+  std::string MoveTowards(long long iTime) {
+    if (mCurrent < mAll.size() && !mAll[mCurrent].IsAhead(iTime)) {
+      mPosition = mAll[mCurrent].mTime;
+      return Print(mAll[mCurrent++]);
+    }
+    bool const isMovingOn = mCurrent == mAll.size() && iTime > mPosition;
+    if (isMovingOn || mCurrent == 0 || !mAll[mCurrent - 1].IsAhead(iTime)) {
+      mPosition = iTime;
+      return "none";
+    }
+    mPosition = mAll[--mCurrent].mTime;
+    return Print(mAll[mCurrent]);
+  }
+  void Clear() {
+    mAll.clear();
+    mCurrent = 0;
+  }
+
+private:
+  static bool GoesBefore(Transition const & iA, Transition const & iB) {
+    return std::tie(iA.mTime, iA.mType) < std::tie(iB.mTime, iB.mType);
+  }
+  void AddPair(Transition const & iFirst, Transition const & iSecond, bool iFromEnd) {
+    if (iFromEnd)
+      InsertBefore(iFirst, InsertBefore(iSecond, mAll.size() - 1));
+    else
+      InsertAfter(iSecond, InsertAfter(iFirst, 0));
+  }
+  // Both give the place where the one ended up that the look stopped at.
+  size_t InsertAfter(Transition const & iNew, size_t iAt) {
+    while (GoesBefore(mAll[iAt], iNew) && iAt + 1 < mAll.size())
+      ++iAt;
+    bool const isLast = GoesBefore(mAll[iAt], iNew);
+    Insert(isLast ? iAt + 1 : iAt, iNew);
+    return isLast ? iAt : iAt + 1;
+  }
+  size_t InsertBefore(Transition const & iNew, size_t iAt) {
+    while (GoesBefore(iNew, mAll[iAt]) && iAt > 0)
+      --iAt;
+    bool const isFirst = GoesBefore(iNew, mAll[iAt]);
+    Insert(isFirst ? iAt : iAt + 1, iNew);
+    return isFirst ? iAt + 1 : iAt;
+  }
+  void Insert(size_t iAt, Transition const & iNew) {
+    bool const isNext = iAt == mCurrent && iNew.IsAhead(mPosition);
+    mAll.insert(mAll.begin() + static_cast<std::ptrdiff_t>(iAt), iNew);
+    if (iAt <= mCurrent && !isNext) ++mCurrent;
+  }
+
+  std::vector<Transition> mAll;
+  size_t mCurrent = 0;
+  long long mPosition = 0;
+};
+
 }  // namespace
+
+RC_GTEST_PROP(Vrad_ScrubList_Properties, DoesAsTheSameRulesInAnArray, ()) {
+  Vrad_ScrubList list;
+  ArrayList expected;
+  for (int i = *rc::gen::inRange(0, 80); i > 0; --i) {
+    int const what = *rc::gen::inRange(0, 20);
+    long long const time = *rc::gen::inRange(-3, 9);
+    bool const isFromEnd = *rc::gen::arbitrary<bool>();
+    if (what == 0) {
+      list.Clear();
+      expected.Clear();
+    } else if (what < 4) {
+      list.AddPitchBend(ScrubBend(i, time), static_cast<short>(-i), isFromEnd);
+      expected.AddBend(-i, i, time, isFromEnd);
+    } else if (what < 8) {
+      long long const length = *rc::gen::inRange(0, 4);
+      list.AddNote(ScrubNote(i, time, length), isFromEnd);
+      expected.AddNote(i, time, length, isFromEnd);
+    } else {
+      RC_ASSERT(Print(list.MoveTowards(Time_Tick(time))) == expected.MoveTowards(time));
+    }
+  }
+}
 
 RC_GTEST_PROP(Vrad_ScrubList_Properties, EachTransitionIsGivenOnceForEachCrossing, ()) {
   Scrubber().Run();

@@ -6,10 +6,11 @@
 #include "vrad/vrad_scrub.h"
 #include "vrad/vrae_event.h"
 
+/// Of no length, too, which an event cannot be given by its own operations.
 inline Vrae_TimedEvent ScrubNote(int iPitch, long long iTick, long long iTicks) {
-  return Vrae_TimedEvent(Time_Tick(iTick),
-                         Vrae_NoteWithDurationEvent(static_cast<signed char>(iPitch),
-                                                    Time_TickLength(iTicks), 80, 64));
+  Vrae_NoteWithDurationEvent note(static_cast<signed char>(iPitch), Time_TickLength(1), 80, 64);
+  note.mU.mNoteWithDuration.mDuration = iTicks;
+  return Vrae_TimedEvent(Time_Tick(iTick), note);
 }
 inline Vrae_TimedEvent ScrubBend(int iBend, long long iTick) {
   return Vrae_TimedEvent(Time_Tick(iTick), Vrae_PitchBendEvent(static_cast<short>(iBend)));

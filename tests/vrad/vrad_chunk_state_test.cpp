@@ -49,6 +49,18 @@ struct NoteRequest {
   bool mClipDuration = false;
 };
 
+NoteRequest AtTick20() {
+  NoteRequest request;
+  request.mSustainStart = Ticks(20);
+  return request;
+}
+NoteRequest AtTick20ClippedAt(Time_Typed iRangeEnd) {
+  NoteRequest request = AtTick20();
+  request.mRangeEnd = iRangeEnd;
+  request.mClipDuration = true;
+  return request;
+}
+
 struct NoteState : testing::Test {
   NoteInProgressPool mPool;
   ChunkPtr mChunk = MakeChunk();
@@ -69,15 +81,19 @@ struct NoteState : testing::Test {
     request.mSustainStart = iTime;
     return Get(request);
   }
+  // Of notes that begin in a range.
+  std::string GetOfRange(Time_Typed iTime, Time_Typed iRangeStart, Time_Typed iRangeEnd) {
+    NoteRequest request;
+    request.mSustainStart = iTime;
+    request.mRangeStart = iRangeStart;
+    request.mRangeEnd = iRangeEnd;
+    return Get(request);
+  }
   // Of one note from tick 10 that lasts so long, clipped at tick 100.
   std::string GetClipped(long long iTicks) {
     mChunk->Clear();
     mChunk->AddEvent(NoteAt(Ticks(10), 60, iTicks));
-    NoteRequest request;
-    request.mSustainStart = Ticks(20);
-    request.mRangeEnd = Ticks(100);
-    request.mClipDuration = true;
-    return Get(request);
+    return Get(AtTick20ClippedAt(Ticks(100)));
   }
 };
 
@@ -213,32 +229,21 @@ TEST_F(Vrad_Chunk_AddNoteStateAtTime, PassesOnANoteAtTheRangesStartAndNoneAtItsE
   mChunk->AddEvent(NoteAt(Ticks(10), 60, 1000));
   mChunk->AddEvent(NoteAt(Ticks(19), 61, 1000));
   mChunk->AddEvent(NoteAt(Ticks(20), 62, 1000));
-  NoteRequest request;
-  request.mSustainStart = Ticks(100);
-  request.mRangeStart = Ticks(10);
-  request.mRangeEnd = Ticks(20);
-  EXPECT_EQ("60@1010t 61@1019t", Get(request));
+  EXPECT_EQ("60@1010t 61@1019t", GetOfRange(Ticks(100), Ticks(10), Ticks(20)));
 }
 
 TEST_F(Vrad_Chunk_AddNoteStateAtTime, AsksForTheInstantAndNotForTheRangesStart) {
   mChunk->AddEvent(NoteAt(Ticks(30), 60, 100));
-  NoteRequest request;
-  request.mRangeStart = Ticks(10);
-  request.mSustainStart = Ticks(50);
-  EXPECT_EQ("60@130t", Get(request));
-  request.mSustainStart = Ticks(20);
-  EXPECT_EQ("", Get(request)) << "it has not begun";
+  Time_Typed const end = Time_Typed::MaxTime(Time_eType_Ticks);
+  EXPECT_EQ("60@130t", GetOfRange(Ticks(50), Ticks(10), end));
+  EXPECT_EQ("", GetOfRange(Ticks(20), Ticks(10), end)) << "it has not begun";
 }
 
 TEST_F(Vrad_Chunk_AddNoteStateAtTime, GoesOnBehindANoteOutsideTheRange) {
   mChunk->AddEvent(NoteAt(Ticks(0), 60, 1000));
   mChunk->AddEvent(NoteAt(Ticks(20), 61, 1000));
   mChunk->AddEvent(NoteAt(Ticks(40), 62, 1000));
-  NoteRequest request;
-  request.mSustainStart = Ticks(100);
-  request.mRangeStart = Ticks(10);
-  request.mRangeEnd = Ticks(30);
-  EXPECT_EQ("61@1020t", Get(request));
+  EXPECT_EQ("61@1020t", GetOfRange(Ticks(100), Ticks(10), Ticks(30)));
 }
 
 TEST_F(Vrad_Chunk_AddNoteStateAtTime, LeavesANoteThatEndsExactlyAtTheRangesEnd) {
@@ -255,8 +260,7 @@ TEST_F(Vrad_Chunk_AddNoteStateAtTime, TakesOneUnitOffANoteThatIsOneUnitLonger) {
 
 TEST_F(Vrad_Chunk_AddNoteStateAtTime, PassesOnTheFullLengthUnlessToldToClip) {
   mChunk->AddEvent(NoteAt(Ticks(10), 60, 91));
-  NoteRequest request;
-  request.mSustainStart = Ticks(20);
+  NoteRequest request = AtTick20();
   request.mRangeEnd = Ticks(100);
   EXPECT_EQ("60@101t", Get(request));
 }
@@ -272,8 +276,7 @@ TEST_F(Vrad_Chunk_AddNoteStateAtTime, ClipsInTheUnitOfTheRangesEnd) {
 
 TEST_F(Vrad_Chunk_AddNoteStateAtTime, NeverClipsWithoutAnEnd) {
   mChunk->AddEvent(NoteAt(Ticks(10), 60, 91));
-  NoteRequest request;
-  request.mSustainStart = Ticks(20);
+  NoteRequest request = AtTick20();
   request.mClipDuration = true;
   EXPECT_EQ("60@101t", Get(request));
   EXPECT_EQ(0, mRecorder.GetNum());
@@ -281,18 +284,14 @@ TEST_F(Vrad_Chunk_AddNoteStateAtTime, NeverClipsWithoutAnEnd) {
 
 TEST_F(Vrad_Chunk_AddNoteStateAtTime, ClipsBeforeItAddsTheOffset) {
   mChunk->AddEvent(NoteAt(Ticks(10), 60, 1000));
-  NoteRequest request;
-  request.mSustainStart = Ticks(20);
-  request.mRangeEnd = Ticks(100);
+  NoteRequest request = AtTick20ClippedAt(Ticks(100));
   request.mOffset = Time_TickLength(5000);
-  request.mClipDuration = true;
   EXPECT_EQ("60@5100t", Get(request));
 }
 
 TEST_F(Vrad_Chunk_AddNoteStateAtTime, AddsTheOffset) {
   mChunk->AddEvent(NoteAt(Ticks(10), 60, 100));
-  NoteRequest request;
-  request.mSustainStart = Ticks(20);
+  NoteRequest request = AtTick20();
   request.mOffset = Time_TickLength(5000);
   EXPECT_EQ("60@5110t", Get(request));
   request.mOffset = Time_TickLength(-50);
@@ -301,8 +300,7 @@ TEST_F(Vrad_Chunk_AddNoteStateAtTime, AddsTheOffset) {
 
 TEST_F(Vrad_Chunk_AddNoteStateAtTime, AddsAnOffsetInSamplesToTicks) {
   mChunk->AddEvent(NoteAt(Ticks(10), 60, 100));
-  NoteRequest request;
-  request.mSustainStart = Ticks(20);
+  NoteRequest request = AtTick20();
   request.mOffset = Time_SampleLength(10);
   EXPECT_EQ("60@510t", Get(request));
 }
@@ -329,10 +327,7 @@ TEST_F(Vrad_Chunk_AddNoteStateAtTime, ReportsARecordThatIsNoNoteWhenItIsClipped)
   Vrae_Event record = Vrae_AddNoteInProgressEvent(60, Time_TickLength(1000), 80, 64);
   mChunk->GetNoteList()->AddNote(Vrad_NoteWithDurationExtendedEvent(
       Ticks(10), static_cast<Vrae_NoteWithDurationEvent const &>(record), false));
-  NoteRequest request;
-  request.mSustainStart = Ticks(20);
-  request.mRangeEnd = Ticks(100);
-  request.mClipDuration = true;
+  NoteRequest request = AtTick20ClippedAt(Ticks(100));
   mRecorder.Clear();
   EXPECT_EQ("60@100t", Get(request));
   ASSERT_LE(1, mRecorder.GetNum(kNoNote));
@@ -346,8 +341,7 @@ TEST_F(Vrad_Chunk_AddNoteStateAtTime, ANoteWithAFractionalPitchNeverSustains) {
           .AsNoteWithDuration(),
       false)));
   ASSERT_EQ("notes f60@10t+1000t / misc", PrintContents(*mChunk.Get()));
-  NoteRequest request;
-  request.mSustainStart = Ticks(20);
+  NoteRequest request = AtTick20();
   request.mRangeEnd = Ticks(100);
   for (bool const clip : {false, true}) {
     request.mClipDuration = clip;
@@ -388,11 +382,8 @@ TEST_F(Vrad_Chunk_AddNoteStateAtTime, WithoutMemoryPassesOverWhatItCannotTrack) 
 
 TEST_F(Vrad_Chunk_AddNoteStateAtTime, ChangesTheCopyAndNotTheStoredNote) {
   mChunk->AddEvent(NoteAt(Ticks(10), 60, 1000));
-  NoteRequest request;
-  request.mSustainStart = Ticks(20);
-  request.mRangeEnd = Ticks(100);
+  NoteRequest request = AtTick20ClippedAt(Ticks(100));
   request.mOffset = Time_TickLength(5000);
-  request.mClipDuration = true;
   Get(request);
   EXPECT_EQ("notes n60@10t+1000t / misc", PrintContents(*mChunk.Get()));
 }

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <type_traits>
+#include <vector>
 
 #include "cmn/cmn_assert.h"
 #include "support/event_samples.h"
@@ -26,11 +28,43 @@ bool GoesBefore(long long iTimeA, int iTypeA, long long iTimeB, int iTypeB) {
   return a.GoesBefore(&b);
 }
 
-Vrae_TimedEvent NoteOfNoLength(int iPitch, long long iTick) {
-  Vrae_TimedEvent note = ScrubNote(iPitch, iTick, 1);
-  note.mEvent.mU.mNoteWithDuration.mDuration = 0;
-  return note;
+// A note from tick 10 to 30.
+struct OneNote : testing::Test {
+  OneNote() { mList.AddNote(ScrubNote(60, 10, 20), false); }
+  Vrad_ScrubList mList;
+};
+
+// What is passed on the way from tick 50 to one place after the other, with a note ahead at 100 and
+// another one put in.
+std::string PassFrom50(Vrae_TimedEvent const & iNote, bool iFromEnd,
+                       std::vector<long long> const & iPlaces) {
+  Vrad_ScrubList list;
+  list.AddNote(ScrubNote(60, 100, 10), false);
+  MoveTo(list, 50);
+  list.AddNote(iNote, iFromEnd);
+  std::string passed;
+  for (long long place : iPlaces)
+    passed += (passed.empty() ? "" : " | ") + MoveTo(list, place);
+  return passed;
 }
+
+// What is passed up to tick 12 of events added in order. The bend before the first one is 7.
+std::string PassTo12(std::vector<Vrae_TimedEvent> const & iEvents, bool iFromEnd) {
+  Vrad_ScrubList list;
+  short bend = 7;
+  for (Vrae_TimedEvent const & event : iEvents) {
+    if (event.IsNoteWithDurationEvent()) {
+      list.AddNote(event, iFromEnd);
+    } else {
+      list.AddPitchBend(event, bend, iFromEnd);
+      bend = event.mEvent.AsPitchBend().GetBendValue();
+    }
+  }
+  return MoveTo(list, 12);
+}
+
+typedef OneNote Vrad_ScrubList_MoveTowards;
+typedef OneNote Vrad_ScrubList_Clear;
 
 bool IsAfter(long long iTime, int iType, long long iPosition) {
   Vrad_ScrubEvent const event = MakeEvent(iTime, iType);
@@ -93,53 +127,41 @@ TEST(Vrad_ScrubList, StartsAtPositionNought) {
   EXPECT_EQ(MoveTo(list, 100), "start61@20 end61@30");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, GivesOneTransitionAtATime) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "start60@10");
-  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "end60@30");
-  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "none");
+TEST_F(Vrad_ScrubList_MoveTowards, GivesOneTransitionAtATime) {
+  EXPECT_EQ(Print(mList.MoveTowards(Time_Tick(100))), "start60@10");
+  EXPECT_EQ(Print(mList.MoveTowards(Time_Tick(100))), "end60@30");
+  EXPECT_EQ(Print(mList.MoveTowards(Time_Tick(100))), "none");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, GoesBackTheSameWay) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  MoveTo(list, 100);
-  EXPECT_EQ(MoveTo(list, 0), "end60@30 start60@10");
-  EXPECT_EQ(MoveTo(list, 100), "start60@10 end60@30");
+TEST_F(Vrad_ScrubList_MoveTowards, GoesBackTheSameWay) {
+  MoveTo(mList, 100);
+  EXPECT_EQ(MoveTo(mList, 0), "end60@30 start60@10");
+  EXPECT_EQ(MoveTo(mList, 100), "start60@10 end60@30");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, PassesANoteEndAtTheTimeItself) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  EXPECT_EQ(MoveTo(list, 29), "start60@10");
-  EXPECT_EQ(MoveTo(list, 30), "end60@30");
+TEST_F(Vrad_ScrubList_MoveTowards, PassesANoteEndAtTheTimeItself) {
+  EXPECT_EQ(MoveTo(mList, 29), "start60@10");
+  EXPECT_EQ(MoveTo(mList, 30), "end60@30");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, DoesNotPassANoteStartAtTheTimeItself) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  EXPECT_EQ(MoveTo(list, 10), "");
-  EXPECT_EQ(MoveTo(list, 11), "start60@10");
+TEST_F(Vrad_ScrubList_MoveTowards, DoesNotPassANoteStartAtTheTimeItself) {
+  EXPECT_EQ(MoveTo(mList, 10), "");
+  EXPECT_EQ(MoveTo(mList, 11), "start60@10");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, GoingBackPassesANoteStartAtTheTimeItself) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  MoveTo(list, 15);
-  EXPECT_EQ(MoveTo(list, 11), "");
-  EXPECT_EQ(MoveTo(list, 10), "start60@10");
+TEST_F(Vrad_ScrubList_MoveTowards, GoingBackPassesANoteStartAtTheTimeItself) {
+  MoveTo(mList, 15);
+  EXPECT_EQ(MoveTo(mList, 11), "");
+  EXPECT_EQ(MoveTo(mList, 10), "start60@10");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, GoingBackDoesNotPassANoteEndAtTheTimeItself) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  MoveTo(list, 100);
-  EXPECT_EQ(MoveTo(list, 30), "");
-  EXPECT_EQ(MoveTo(list, 29), "end60@30");
+TEST_F(Vrad_ScrubList_MoveTowards, GoingBackDoesNotPassANoteEndAtTheTimeItself) {
+  MoveTo(mList, 100);
+  EXPECT_EQ(MoveTo(mList, 30), "");
+  EXPECT_EQ(MoveTo(mList, 29), "end60@30");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, AtTheTimeOfABendTheOldOneIsPassedAndTheNewOneNot) {
+TEST_F(Vrad_ScrubList_MoveTowards, AtTheTimeOfABendTheOldOneIsPassedAndTheNewOneNot) {
   Vrad_ScrubList list;
   list.AddNote(ScrubNote(60, 0, 5), false);
   list.AddPitchBend(ScrubBend(100, 10), 7, false);
@@ -149,46 +171,38 @@ TEST(Vrad_ScrubList_MoveTowards, AtTheTimeOfABendTheOldOneIsPassedAndTheNewOneNo
   EXPECT_EQ(MoveTo(list, 9), "from7@10");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, ToWhereItIsGivesNothing) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  MoveTo(list, 20);
-  EXPECT_EQ(MoveTo(list, 20), "");
+TEST_F(Vrad_ScrubList_MoveTowards, ToWhereItIsGivesNothing) {
+  MoveTo(mList, 20);
+  EXPECT_EQ(MoveTo(mList, 20), "");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, MovesOnPastTheEndWithoutLookingBack) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  MoveTo(list, 40);
-  EXPECT_EQ(MoveTo(list, 50), "");
-  EXPECT_EQ(MoveTo(list, 45), "");
-  EXPECT_EQ(MoveTo(list, 29), "end60@30");
+TEST_F(Vrad_ScrubList_MoveTowards, MovesOnPastTheEndWithoutLookingBack) {
+  MoveTo(mList, 40);
+  EXPECT_EQ(MoveTo(mList, 50), "");
+  EXPECT_EQ(MoveTo(mList, 45), "");
+  EXPECT_EQ(MoveTo(mList, 29), "end60@30");
 }
 
 // Seen by a bend at the very tick: its old side counts as passed there.
-TEST(Vrad_ScrubList_MoveTowards, PositionOfAStepForwardIsThatOfItsTransition) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  list.MoveTowards(Time_Tick(100));
-  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "end60@30");
-  list.AddPitchBend(ScrubBend(100, 30), 7, true);
-  EXPECT_EQ(MoveTo(list, 100), "to100@30");
+TEST_F(Vrad_ScrubList_MoveTowards, PositionOfAStepForwardIsThatOfItsTransition) {
+  mList.MoveTowards(Time_Tick(100));
+  EXPECT_EQ(Print(mList.MoveTowards(Time_Tick(100))), "end60@30");
+  mList.AddPitchBend(ScrubBend(100, 30), 7, true);
+  EXPECT_EQ(MoveTo(mList, 100), "to100@30");
 }
 
 // And its new side does not.
-TEST(Vrad_ScrubList_MoveTowards, PositionOfAStepBackwardIsThatOfItsTransition) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  MoveTo(list, 100);
-  list.MoveTowards(Time_Tick(0));
-  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(0))), "start60@10");
-  list.AddPitchBend(ScrubBend(100, 10), 7, true);
-  EXPECT_EQ(MoveTo(list, 20), "to100@10 start60@10");
+TEST_F(Vrad_ScrubList_MoveTowards, PositionOfAStepBackwardIsThatOfItsTransition) {
+  MoveTo(mList, 100);
+  mList.MoveTowards(Time_Tick(0));
+  EXPECT_EQ(Print(mList.MoveTowards(Time_Tick(0))), "start60@10");
+  mList.AddPitchBend(ScrubBend(100, 10), 7, true);
+  EXPECT_EQ(MoveTo(mList, 20), "to100@10 start60@10");
 }
 
 // Only past the end does going forward keep it from looking back: with a node ahead, what counts as
 // passed and lies behind the target is handed out backward.
-TEST(Vrad_ScrubList_MoveTowards, GoingForwardGivesBackWhatCountsAsPassedBehindTheTarget) {
+TEST_F(Vrad_ScrubList_MoveTowards, GoingForwardGivesBackWhatCountsAsPassedBehindTheTarget) {
   Vrad_ScrubList list;
   list.AddPitchBend(ScrubBend(9, 100), 7, false);
   list.AddNote(ScrubNote(60, 200, 10), false);
@@ -196,18 +210,14 @@ TEST(Vrad_ScrubList_MoveTowards, GoingForwardGivesBackWhatCountsAsPassedBehindTh
   EXPECT_EQ(MoveTo(list, 300), "from7@100 to9@100 start60@200 end60@210");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, MayTurnRoundBeforeItArrives) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  list.MoveTowards(Time_Tick(100));
-  EXPECT_EQ(Print(list.MoveTowards(Time_Tick(100))), "end60@30");
-  EXPECT_EQ(MoveTo(list, 25), "end60@30");
+TEST_F(Vrad_ScrubList_MoveTowards, MayTurnRoundBeforeItArrives) {
+  mList.MoveTowards(Time_Tick(100));
+  EXPECT_EQ(Print(mList.MoveTowards(Time_Tick(100))), "end60@30");
+  EXPECT_EQ(MoveTo(mList, 25), "end60@30");
 }
 
-TEST(Vrad_ScrubList_MoveTowards, ReadsTheCountOfAnyUnit) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  EXPECT_EQ(Print(list.MoveTowards(Time_Sample(11))), "start60@10");
+TEST_F(Vrad_ScrubList_MoveTowards, ReadsTheCountOfAnyUnit) {
+  EXPECT_EQ(Print(mList.MoveTowards(Time_Sample(11))), "start60@10");
 }
 
 TEST(Vrad_ScrubList_AddNote, CarriesPitchAndBothVelocitiesAtBothEnds) {
@@ -300,34 +310,21 @@ TEST(Vrad_ScrubList_AddNote, GoesBetweenWhatIsThereFromEitherSide) {
 }
 
 TEST(Vrad_ScrubList_AddNote, AheadOfTheCursorIsPlayedNext) {
-  for (bool isFromEnd : {false, true}) {
-    Vrad_ScrubList list;
-    list.AddNote(ScrubNote(60, 100, 10), false);
-    MoveTo(list, 50);
-    list.AddNote(ScrubNote(61, 60, 10), isFromEnd);
-    EXPECT_EQ(MoveTo(list, 80), "start61@60 end61@70") << isFromEnd;
-  }
+  for (bool isFromEnd : {false, true})
+    EXPECT_EQ(PassFrom50(ScrubNote(61, 60, 10), isFromEnd, {80}), "start61@60 end61@70")
+        << isFromEnd;
 }
 
 TEST(Vrad_ScrubList_AddNote, BehindTheCursorIsNotPlayedNext) {
   for (bool isFromEnd : {false, true}) {
-    Vrad_ScrubList list;
-    list.AddNote(ScrubNote(60, 100, 10), false);
-    MoveTo(list, 50);
-    list.AddNote(ScrubNote(61, 30, 10), isFromEnd);
-    EXPECT_EQ(MoveTo(list, 80), "") << isFromEnd;
-    EXPECT_EQ(MoveTo(list, 35), "end61@40") << isFromEnd;
+    EXPECT_EQ(PassFrom50(ScrubNote(61, 30, 10), isFromEnd, {80}), "") << isFromEnd;
+    EXPECT_EQ(PassFrom50(ScrubNote(61, 30, 10), isFromEnd, {80, 35}), "end61@40") << isFromEnd;
   }
 }
 
 TEST(Vrad_ScrubList_AddNote, AcrossTheCursorHasItsEndAheadAlone) {
-  for (bool isFromEnd : {false, true}) {
-    Vrad_ScrubList list;
-    list.AddNote(ScrubNote(60, 100, 10), false);
-    MoveTo(list, 50);
-    list.AddNote(ScrubNote(61, 40, 20), isFromEnd);
-    EXPECT_EQ(MoveTo(list, 80), "end61@60") << isFromEnd;
-  }
+  for (bool isFromEnd : {false, true})
+    EXPECT_EQ(PassFrom50(ScrubNote(61, 40, 20), isFromEnd, {80}), "end61@60") << isFromEnd;
 }
 
 TEST(Vrad_ScrubList_AddNote, AtTheTailWithTheCursorPastTheEndIsPlayedNext) {
@@ -351,33 +348,23 @@ TEST(Vrad_ScrubList_AddNote, StartAtThePositionLiesAheadAndEndThereDoesNot) {
 
 // The look for the end's place goes on behind the start.
 TEST(Vrad_ScrubList_AddNote, OfNoLengthFromHeadEndsBehindItsStart) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 100, 10), false);
-  list.AddNote(NoteOfNoLength(61, 10), false);
-  EXPECT_EQ(MoveTo(list, 20), "start61@10 end61@10");
+  EXPECT_EQ(PassTo12({ScrubNote(60, 100, 10), ScrubNote(61, 10, 0)}, false), "start61@10 end61@10");
 }
 
 TEST(Vrad_ScrubList_AddNote, OfNoLengthFromEndStartsBehindItsEnd) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 100, 10), false);
-  list.AddNote(NoteOfNoLength(61, 10), true);
-  EXPECT_EQ(MoveTo(list, 20), "end61@10 start61@10");
+  EXPECT_EQ(PassTo12({ScrubNote(60, 100, 10), ScrubNote(61, 10, 0)}, true), "end61@10 start61@10");
 }
 
 // Nothing stands behind the start, so the look for the end's place begins in front of it.
 TEST(Vrad_ScrubList_AddNote, OfNoLengthFromHeadAtTheTailStartsBehindItsEnd) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 1, 2), false);
-  list.AddNote(NoteOfNoLength(61, 10), false);
-  EXPECT_EQ(MoveTo(list, 20), "start60@1 end60@3 end61@10 start61@10");
+  EXPECT_EQ(PassTo12({ScrubNote(60, 1, 2), ScrubNote(61, 10, 0)}, false),
+            "start60@1 end60@3 end61@10 start61@10");
 }
 
 // As from the head, seen from the other end.
 TEST(Vrad_ScrubList_AddNote, OfNoLengthFromEndBehindAnotherEndsBehindItsStart) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 1, 2), true);
-  list.AddNote(NoteOfNoLength(61, 10), true);
-  EXPECT_EQ(MoveTo(list, 20), "start60@1 end60@3 start61@10 end61@10");
+  EXPECT_EQ(PassTo12({ScrubNote(60, 1, 2), ScrubNote(61, 10, 0)}, true),
+            "start60@1 end60@3 start61@10 end61@10");
 }
 
 TEST(Vrad_ScrubList_AddNote, AtTheEndOfTimeEndsThere) {
@@ -444,49 +431,35 @@ TEST(Vrad_ScrubList_AddPitchBend, AtThePositionHasTheNewBendAhead) {
 }
 
 TEST(Vrad_ScrubList_AddPitchBend, OldBendNewBendNoteStartAtOneTimeInWhateverOrderTheyCame) {
+  Vrae_TimedEvent const former = ScrubNote(61, 4, 6), note = ScrubNote(60, 10, 5);
+  Vrae_TimedEvent const bend = ScrubBend(100, 10);
   for (bool isFromEnd : {false, true}) {
-    Vrad_ScrubList list, other;
-    list.AddNote(ScrubNote(61, 4, 6), isFromEnd);
-    list.AddNote(ScrubNote(60, 10, 5), isFromEnd);
-    list.AddPitchBend(ScrubBend(100, 10), 7, isFromEnd);
-    EXPECT_EQ(MoveTo(list, 12), "start61@4 end61@10 from7@10 to100@10 start60@10") << isFromEnd;
-    other.AddNote(ScrubNote(61, 4, 6), isFromEnd);
-    other.AddPitchBend(ScrubBend(100, 10), 7, isFromEnd);
-    other.AddNote(ScrubNote(60, 10, 5), isFromEnd);
-    EXPECT_EQ(MoveTo(other, 12), "start61@4 end61@10 from7@10 to100@10 start60@10") << isFromEnd;
+    for (auto const & events : {std::vector{former, note, bend}, std::vector{former, bend, note}})
+      EXPECT_EQ(PassTo12(events, isFromEnd), "start61@4 end61@10 from7@10 to100@10 start60@10")
+          << isFromEnd;
   }
 }
 
 TEST(Vrad_ScrubList_AddPitchBend, TwoBendsAtOneTimeFromHeadStandLastAddedFirst) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 5), false);
-  list.AddPitchBend(ScrubBend(100, 10), 7, false);
-  list.AddPitchBend(ScrubBend(200, 10), 100, false);
-  EXPECT_EQ(MoveTo(list, 12), "from100@10 from7@10 to200@10 to100@10 start60@10");
+  EXPECT_EQ(PassTo12({ScrubNote(60, 10, 5), ScrubBend(100, 10), ScrubBend(200, 10)}, false),
+            "from100@10 from7@10 to200@10 to100@10 start60@10");
 }
 
 TEST(Vrad_ScrubList_AddPitchBend, TwoBendsAtOneTimeStandOldOnesFirst) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 5), true);
-  list.AddPitchBend(ScrubBend(100, 10), 7, true);
-  list.AddPitchBend(ScrubBend(200, 10), 100, true);
-  EXPECT_EQ(MoveTo(list, 12), "from7@10 from100@10 to100@10 to200@10 start60@10");
+  EXPECT_EQ(PassTo12({ScrubNote(60, 10, 5), ScrubBend(100, 10), ScrubBend(200, 10)}, true),
+            "from7@10 from100@10 to100@10 to200@10 start60@10");
 }
 
-TEST(Vrad_ScrubList_Clear, KeepsThePosition) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  MoveTo(list, 50);
-  list.Clear();
-  list.AddNote(ScrubNote(61, 10, 20), false);
-  EXPECT_EQ(MoveTo(list, 100), "");
-  EXPECT_EQ(MoveTo(list, 0), "end61@30 start61@10");
+TEST_F(Vrad_ScrubList_Clear, KeepsThePosition) {
+  MoveTo(mList, 50);
+  mList.Clear();
+  mList.AddNote(ScrubNote(61, 10, 20), false);
+  EXPECT_EQ(MoveTo(mList, 100), "");
+  EXPECT_EQ(MoveTo(mList, 0), "end61@30 start61@10");
 }
 
-TEST(Vrad_ScrubList_Clear, LeavesNothingToMoveOver) {
-  Vrad_ScrubList list;
-  list.AddNote(ScrubNote(60, 10, 20), false);
-  list.Clear();
-  EXPECT_EQ(MoveTo(list, 100), "");
-  EXPECT_EQ(MoveTo(list, 0), "");
+TEST_F(Vrad_ScrubList_Clear, LeavesNothingToMoveOver) {
+  mList.Clear();
+  EXPECT_EQ(MoveTo(mList, 100), "");
+  EXPECT_EQ(MoveTo(mList, 0), "");
 }
