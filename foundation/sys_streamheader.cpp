@@ -19,9 +19,11 @@ void ReadTag(Sys_TypedInStream & iStream, std::string const & iTag) {
     throw Sys_StreamException(Sys_StreamException::kWrongTag, "no record \"" + iTag + "\"");
 }
 
-// A size from outside may be anything.
+// A size from outside may be anything. No record ends before it begins: one that did could be read
+// again and again.
 long long EndOf(long long iPos, long long iSize) {
   constexpr long long kMax = std::numeric_limits<long long>::max();
+  if (iSize < 0) return iPos;
   return iSize > kMax - iPos ? kMax : iPos + iSize;
 }
 

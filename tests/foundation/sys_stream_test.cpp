@@ -304,11 +304,10 @@ TEST(Sys_StdStreamHeaderReader, SurvivesAnySize) {
     Sys_MemoryInStream in(out.GetBytes());
     Sys_StdStreamHeaderReader reader(in, "a");
     EXPECT_EQ(reader.IsMoreLeft(), size > 0);
+    EXPECT_EQ(reader.GetEndPos(), size > 0 ? LLONG_MAX : 12);
     reader.SkipTheRest();
     signed char value;
-    if (size != -1) {
-      EXPECT_EQ(ReasonOf([&] { in.Read(&value); }), Sys_StreamException::kEndOfStream);
-    }
+    EXPECT_EQ(ReasonOf([&] { in.Read(&value); }), Sys_StreamException::kEndOfStream);
   }
 }
 

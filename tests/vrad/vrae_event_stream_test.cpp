@@ -1,4 +1,5 @@
 // Events, lists of them and sub-streams as records.
+#include <algorithm>
 #include <numeric>
 
 #include <gmock/gmock.h>
@@ -148,6 +149,27 @@ TEST(Vrae_Event_StreamOut, RoundTripsEveryLengthAroundTheLimits) {
     EXPECT_EQ(Print(MakeSysex(length)), Print(RoundTrip(MakeSysex(length)))) << length;
 }
 
+namespace {
+
+class MeteredStream : public Sys_MemoryOutStream {
+public:
+  void WriteBlock(void const * iData, int iNumBytes) override {
+    mLargest = std::max(mLargest, iNumBytes);
+    Sys_MemoryOutStream::WriteBlock(iData, iNumBytes);
+  }
+
+  int mLargest = 0;
+};
+
+}  // namespace
+
+TEST(Vrae_Event_StreamOut, WritesALongSysexInPiecesOfAtMost1024Bytes) {
+  MeteredStream stream;
+  MakeSysex(3000).StreamOut(stream);
+  EXPECT_EQ(1024, stream.mLargest);
+  EXPECT_EQ(Written(MakeSysex(3000)), stream.GetBytes());
+}
+
 TEST(Vrae_Event_StreamOut, ReportsEveryOtherKindAndWritesTheHeaderAlone) {
   for (int kind = 0; kind <= Vrae_Event::kClipEvent; ++kind) {
     if (kind == Vrae_Event::kShortSysex || kind == Vrae_Event::kLongSysex) continue;
@@ -214,6 +236,19 @@ TEST(Vrae_TimedEventList_StreamIn, TakesANegativeCountForNone) {
   list.push_back(Vrae_TimedEvent(Time_Tick(1), MakeSysex(1)));
   EXPECT_EQ("nothing", Refusal(list, "timed_events_negative"));
   EXPECT_EQ("", Print(list));
+}
+
+// Were it taken as it is, the event would be read again and again, as often as the count says.
+TEST(Vrae_TimedEventList_StreamIn, EndsNoEventBeforeItBegins) {
+  Vrae_TimedEventList list;
+  EXPECT_EQ("nothing", Refusal(list, "timed_events_negative_size"));
+  EXPECT_EQ("7t 0 | 8t 14: 1 2 3", Print(list));
+  Bytes bytes = ReadGolden("timed_events_negative_size");
+  ASSERT_EQ(2, bytes[16]);
+  bytes[17] = 4;  // a count of 1026
+  Sys_MemoryInStream stream(bytes);
+  EXPECT_EQ("end of stream", ThrownBy([&] { list.StreamIn(stream); }));
+  EXPECT_EQ(2u, list.size());
 }
 
 TEST(Vrae_TimedEventList_StreamIn, SkipsWhatALaterVersionAdded) {
