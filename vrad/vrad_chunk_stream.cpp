@@ -16,7 +16,8 @@ namespace {
 constexpr char const * kTag = "VrChun";
 constexpr int kBadDataString = 100, kStreamNotUniqueString = 101;
 constexpr int kUidBytes = 16;
-constexpr long long kLeastStreamBytes = 55;  // four headers, the sub-stream and a count of 0
+constexpr long long kLeastStreamBytes = 55;  // three headers, the sub-stream and a count of 0
+constexpr long long kSegmentBytes = 12;
 
 // Throws, unless throwing is switched off.
 void ReportDamage(char const * iText, int iLine) {
@@ -85,7 +86,8 @@ void Vrad_Chunk::ReadContents(Sys_TypedInStream & ioStream, Sys_StdStreamHeaderR
   }
 }
 
-// Sorted by index, whatever the order in the stream.
+// Sorted by index, whatever the order in the stream. Sizes may lead many streams to the same bytes:
+// together they have no more segments than the input has bytes for.
 void Vrad_Chunk::ReadStreams(Sys_TypedInStream & ioStream) {
   int count;
   ioStream.Read(&count);
@@ -93,9 +95,12 @@ void Vrad_Chunk::ReadStreams(Sys_TypedInStream & ioStream) {
   long long const most = std::min<long long>(ioStream.BytesLeft() / kLeastStreamBytes,
                                              Vrae_SubStream::GetNumIndices());
   mContinuousList.reserve(static_cast<size_t>(std::min<long long>(count, most)));
+  long long segmentsLeft = ioStream.BytesLeft() / kSegmentBytes;
   for (int i = 0; i < count; ++i) {
     Ndo_AutoPtr<Vrad_ContinuousDataStream> streamP(
         new Vrad_ContinuousDataStream(ioStream, UndoFlag(), mQuantizeContents));
+    segmentsLeft -= streamP->GetData().Size();
+    if (segmentsLeft < 0) Vrad_ThrowBadData(kBadDataString);
     int const index = streamP->GetSubStream().GetIndex();
     size_t const place = FindPlace(index);
     if (IsStreamAt(place, index)) Vrad_ThrowBadData(kStreamNotUniqueString);

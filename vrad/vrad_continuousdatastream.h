@@ -142,6 +142,7 @@ public:
   void NdoRestoreState(Ndo_State * iStateP) override;
 
 private:
+  friend class Vrad_Chunk;
   friend class Vrad_ContinuousDataStream_NdoState;
   friend class Vrad_ContinuousDataStreamTimedEventsInRangeIter;
   friend class Vrad_ContinuousDataStreamExtendedEventsInRangeIter;

@@ -1,4 +1,5 @@
 // Chunks as records, whole and damaged.
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -119,6 +120,15 @@ TEST(Vrad_Chunk_StreamIn, ReportsTwinStreamsAndKeepsTheFirst) {
   EXPECT_EQ("notes / misc", reading.PrintNext());
 }
 
+// Else a small file could fill the memory with streams that share their bytes.
+TEST(Vrad_Chunk_StreamIn, ReportsMoreSegmentsThanTheFileHasBytesFor) {
+  Reading const reading("chunk_overlapping_streams");
+  EXPECT_THAT(reading.mChecks, ElementsAre(kBadData));
+  EXPECT_EQ("notes / stream 7 c7=0@0t c7=1@1t c7=2@2t c7=3@3t c7=4@4t c7=5@5t c7=6@6t c7=7@7t "
+            "/ misc",
+            reading.Print());
+}
+
 TEST(Vrad_Chunk_StreamIn, ReportsTwinStreamsByString101) {
   I18N_StringTable table;
   table.Set(101, "the string 101");
@@ -236,6 +246,45 @@ TEST(Vrad_Chunk_StreamIn, RefusesAnotherRecordWithAnException) {
   Sys_MemoryInStream stream = OpenGolden("notes_v3");
   EXPECT_EQ("no record \"VrChun\"",
             ThrownBy([&] { Vrad_Chunk::StreamIn(stream, Ndo_Object::kNotUndoable, false); }));
+}
+
+namespace {
+
+// The checks that fail when one byte of a golden chunk, so many behind the beginning of a tag, is
+// another one. The tag begins with its length.
+std::vector<std::string> ChecksWith(std::string const & iTag, size_t iPlace, int iByte) {
+  Bytes bytes = ReadGolden("chunk");
+  auto const tag = std::search(bytes.begin(), bytes.end(), iTag.begin(), iTag.end());
+  if (tag == bytes.end()) return {"no tag " + iTag};
+  tag[static_cast<std::ptrdiff_t>(iPlace)] = static_cast<unsigned char>(iByte);
+  return Reading(bytes).mChecks;
+}
+
+struct InnerRecord {
+  char const * mTag;  // behind its length
+  std::vector<int> mRefused;
+};
+
+std::vector<InnerRecord> const kInnerRecords = {{"\5VrNLB", {0, 4}}, {"\5VrCDS", {0, 1, 3}},
+                                                {"\4Vrss", {0, 2}},  {"\4VrCD", {0, 2}},
+                                                {"\4VrES", {0, 2}},  {"\5VrTEL", {0, 2}}};
+
+}  // namespace
+
+TEST(Vrad_Chunk_StreamIn, ReportsAnotherVersionOfAnyRecordInside) {
+  for (InnerRecord const & record : kInnerRecords)
+    for (int const version : record.mRefused)
+      EXPECT_THAT(ChecksWith(record.mTag, std::string(record.mTag).size(), version),
+                  ElementsAre("Vrad_Chunk::StreamIn exception: record version " +
+                              std::to_string(version) + " is not supported"))
+          << record.mTag + 1;
+}
+
+TEST(Vrad_Chunk_StreamIn, ReportsAnotherTagOfAnyRecordInside) {
+  for (InnerRecord const & record : kInnerRecords)
+    EXPECT_THAT(ChecksWith(record.mTag, 1, 0x76),
+                ElementsAre("Vrad_Chunk::StreamIn exception: no record \"" +
+                            std::string(record.mTag + 1) + "\""));
 }
 
 TEST(Vrad_Chunk_StreamIn, ReportsInTheThrowingFormWithTheFlagSet) {
