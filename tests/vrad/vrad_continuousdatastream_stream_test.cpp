@@ -72,6 +72,21 @@ TEST(Vrad_ContinuousDataStream_Reading, RefusesANegativeFirstTime) {
   EXPECT_EQ("bad data encountered", RefusalOf("continuous_negative_time"));
 }
 
+TEST(Vrad_ContinuousDataStream_Reading, RefusesTimeThatGoesBackwardsAnywhere) {
+  StreamPtr const streamP = MakeStream(Vrae_SubStream::Controller(7));
+  for (int i = 0; i < 2500; ++i)
+    streamP->AddEvent(Vrae_TimedEvent(Tick(100 + i), Vrae_ControllerEvent(7, 1)));
+  Bytes const bytes = Written(*streamP);
+  for (size_t const i : {1, 2, 1023, 1024, 1025, 2047, 2048, 2049, 2499}) {
+    Bytes damaged = bytes;
+    size_t const word = 55 + 12 * i;
+    damaged[word] = 1;  // tick 0
+    damaged[word + 1] = 0;
+    Sys_MemoryInStream stream(damaged);
+    EXPECT_EQ("bad data encountered", ThrownBy([&] { ReadFrom(stream); })) << i;
+  }
+}
+
 TEST(Vrad_ContinuousDataStream_Reading, RefusesANegativeCount) {
   EXPECT_EQ("bad data encountered", RefusalOf("continuous_negative_count"));
 }

@@ -153,6 +153,15 @@ TEST_F(Vrad_NoteList_StreamIn, ReadsNoFlagFromVersion0OfTheFlags) {
   EXPECT_EQ(Version3(false, false), Read("notes_flags_version_0"));
 }
 
+TEST_F(Vrad_NoteList_StreamIn, ReadsNoFlagFromANegativeVersionOfTheFlags) {
+  Bytes bytes = ReadGolden("notes_v3");
+  ASSERT_EQ(1, bytes[124]);
+  bytes[124] = bytes[125] = 0xFF;
+  Sys_MemoryInStream stream(bytes);
+  mList.StreamIn(stream);
+  EXPECT_EQ(Version3(false, false), PrintWhole(mList));
+}
+
 TEST_F(Vrad_NoteList_StreamIn, ReadsTheFlagOfALaterVersionOfTheFlags) {
   EXPECT_EQ(Version3(true, false), Read("notes_flags_version_2"));
 }
@@ -237,6 +246,13 @@ TEST_F(Vrad_NoteList_StreamIn, RepairsAnOriginalDurationInSamplesTo1) {
   EXPECT_EQ("0s: 60+480s 100/64, delta 0s, was 60+1s 100/64", text);
 }
 
+TEST_F(Vrad_NoteList_StreamIn, MakesTheOriginalOfTheRepairedDuration) {
+  std::string text;
+  EXPECT_THAT(GetFailedChecks([&] { text = Read("notes_v2_zero_duration"); }),
+              ElementsAre("durationTyped.AsInt64() > 0"));
+  EXPECT_EQ("0: 60+1000 100/64, delta -2000, was 60+700 100/64", text);
+}
+
 TEST_F(Vrad_NoteList_StreamIn, SignalsRepairsWithoutThrowing) {
   Cmn_AssertRecorder const recorder;
   Read("notes_zero_duration");
@@ -282,6 +298,16 @@ TEST_F(Vrad_NoteList_StreamIn, NotifiesOfAnOnVelocityOf0AndRefusesIt) {
   EXPECT_EQ(kFirst, Read("notes_zero_on_velocity"));
   EXPECT_THAT(heard, ElementsAre("not refused yet"));
   EXPECT_EQ(kBadData, mRefusal);
+}
+
+TEST_F(Vrad_NoteList_StreamIn, NotifiesWhateverElseIsWrongWithTheNote) {
+  int numHeard = 0;
+  Cmn_MsgConnection const connection =
+      Cmn_N10nCenter::Sender()->Connect<Vrad_N10n_MIDIZeroOnVelocitiesFound>(
+          [&numHeard](Vrad_N10n_MIDIZeroOnVelocitiesFound const &) { ++numHeard; });
+  EXPECT_EQ(kFirst, Read("notes_zero_on_velocity_and_worse"));
+  EXPECT_EQ(kBadData, mRefusal);
+  EXPECT_EQ(1, numHeard);
 }
 
 TEST_F(Vrad_NoteList_StreamIn, PassesOnWhatAHandlerThrows) {
@@ -331,6 +357,19 @@ TEST_F(Vrad_NoteList_StreamIn, IsEmptyAfterAWrongTag) {
 
 TEST_F(Vrad_NoteList_StreamIn, KeepsTheNotesBeforeATear) {
   EXPECT_EQ(kFirst, Read("notes_torn"));
+  EXPECT_EQ("end of stream", mRefusal);
+}
+
+TEST_F(Vrad_NoteList_StreamIn, SetsWhatATornOriginalHasAndFillsNoLongNoteList) {
+  EXPECT_EQ("0: 60+16000000 100/64, delta 0, was 61+450000 90/32 | "
+            "480000: 64+240000 1/127, delta 0, was 65+240001 1/127",
+            Read("notes_originals_torn"));
+  EXPECT_EQ("end of stream", mRefusal);
+  EXPECT_EQ(0u, mList.GetLongNoteList()->Size());
+}
+
+TEST_F(Vrad_NoteList_StreamIn, KeepsTheFlagsBeforeATear) {
+  EXPECT_EQ(Both(std::string(kFirst) + ", muted", kSecond), Read("notes_flags_torn"));
   EXPECT_EQ("end of stream", mRefusal);
 }
 
