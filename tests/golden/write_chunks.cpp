@@ -1,12 +1,15 @@
-// Writes chunks into a folder, each as NAME.chunk and, field by field as the library tells them, as
-// NAME.json. A reader in another language is held against them.
+// Tells every NAME.chunk in a folder field by field, as the library reads it, in NAME.json; then
+// writes chunks of its own there, each with such a file. A reader in another language is held
+// against them.
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "cmn/cmn_assert.h"
 #include "foundation/sys_stream.h"
 #include "vrad/vrad_chunk.h"
 
@@ -138,14 +141,19 @@ std::string Streams(Vrad_Chunk & iChunk) {
   return items.AsList();
 }
 
+std::string Contents(Vrae_Event const & iEvent) {
+  if (iEvent.GetType() == Vrae_Event::kNoEvent) return "null";
+  Vrae_SysexEvent const & sysex = iEvent.AsSysex();
+  return Hex(sysex.GetInternalDataPtr(), sysex.GetLength());
+}
+
 std::string Events(Vrad_Chunk & iChunk) {
   Items items;
   for (Vrad_EventStreamTimedEventsInRangeIter iter(iChunk.GetEventStream()); iter.IsMore();
        ++iter) {
     Vrae_TimedEvent const event = *iter;
-    Vrae_SysexEvent const & sysex = event.mEvent.AsSysex();
-    items.Add("{\"start\": " + Count(event.mTime) +
-              ", \"contents\": " + Hex(sysex.GetInternalDataPtr(), sysex.GetLength()) + "}");
+    items.Add("{\"start\": " + Count(event.mTime) + ", \"contents\": " + Contents(event.mEvent) +
+              "}");
   }
   return items.AsList();
 }
@@ -156,11 +164,28 @@ std::string Json(Vrad_Chunk & iChunk) {
          ", \"isLocal\": " + Bool(iChunk.IsLocal()) + "}\n";
 }
 
+// Values that are repaired are no news here.
+void Tell(std::filesystem::path const & iPath) {
+  Cmn_AssertRecorder const checks;
+  Sys_FileInStream stream(iPath.string());
+  std::unique_ptr<Vrad_Chunk> const chunkP(
+      Vrad_Chunk::StreamIn(stream, Ndo_Object::kNotUndoable, false));
+  std::ofstream(std::filesystem::path(iPath).replace_extension(".json")) << Json(*chunkP);
+}
+
 void Write(std::string const & iPath, Vrad_Chunk & iChunk) {
   Sys_FileOutStream stream(iPath + ".chunk");
   iChunk.StreamOut(stream);
   stream.Close();
   std::ofstream(iPath + ".json") << Json(iChunk);
+}
+
+std::vector<std::filesystem::path> ChunksIn(std::string const & iFolder) {
+  std::vector<std::filesystem::path> paths;
+  for (std::filesystem::directory_entry const & entry :
+       std::filesystem::directory_iterator(iFolder))
+    if (entry.path().extension() == ".chunk") paths.push_back(entry.path());
+  return paths;
 }
 
 // What a number of chunks hold, from nothing on.
@@ -182,6 +207,8 @@ int main(int iNumArgs, char ** iArgs) {
     std::fprintf(stderr, "usage: write_chunks FOLDER\n");
     return 2;
   }
+  for (std::filesystem::path const & path : ChunksIn(iArgs[1]))
+    Tell(path);
   for (int number = 0; number < 8; ++number)
     Write(std::string(iArgs[1]) + "/" + std::to_string(number), *MakeChunk(number));
   return 0;
