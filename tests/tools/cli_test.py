@@ -4,6 +4,8 @@
 Usage: cli_test.py TOOL [unittest options]
 """
 import os
+import re
+import signal
 import subprocess
 import sys
 import unittest
@@ -43,6 +45,16 @@ class Help(Tool):
             self.assertEqual((status, err), (0, ""))
             for word in words:
                 self.assertIn(word, out)
+
+    def test_names_all_options(self):
+        ranges = {"--clip", "--from", "--to", "--offset", "--window", "--filter", "--skip-muted",
+                  "--note-offs", "--as"}
+        for command, options in (("info", set()), ("events", ranges | {"--list"}),
+                                 ("wire", ranges), ("state", {"--at", "--clip", "--as"}),
+                                 ("jump", {"--from", "--to", "--clip", "--as"})):
+            status, out, err = self.run_tool(command, "--help")
+            self.assertEqual((status, err), (0, ""))
+            self.assertEqual(set(re.findall(r"--[a-z-]+", out)), options | {"--help"}, command)
 
     def test_version_is_the_librarys(self):
         with open(os.path.join(ROOT, "vrad", "vrad_version.h"), encoding="utf-8") as lines:
@@ -280,13 +292,42 @@ class BadCommandLines(Tool):
                                 "BAR:BEAT[:TICK]")
 
 
+class Readers(Tool):
+    """That nobody reads on is told, unless the system ends the program at once."""
+    def write_to_nobody(self, **more):
+        reader, writer = os.pipe()
+        os.close(reader)
+        done = subprocess.run([TOOL, "events", DEMO], cwd=ROOT, stdout=writer, text=True,
+                              stderr=subprocess.PIPE, timeout=120, **more)
+        os.close(writer)
+        return done.returncode, done.stderr
+
+    def test_that_are_gone_end_the_program(self):
+        self.assertEqual(self.write_to_nobody(), (-signal.SIGPIPE, ""))
+
+    def test_that_are_gone_are_told_where_that_does_not(self):
+        # Python ignores the signal, and hands that on if asked to.
+        self.assertEqual(self.write_to_nobody(restore_signals=False),
+                         (1, "vrad: standard output: Broken pipe\n"))
+
+
 class BadFiles(Tool):
+    COMMANDS = (["info"], ["events"], ["wire"], ["state", "--at", "0t"],
+                ["jump", "--from", "0t", "--to", "0t"], ["play"])
+
     def test_file_that_is_not_there(self):
-        for command in ("info", "events"):
-            self.expect([command, "none.mid"], 1, "", "vrad: none.mid: No such file or directory\n")
+        for words in self.COMMANDS:
+            self.expect([*words, "none.mid"], 1, "", "vrad: none.mid: No such file or directory\n")
 
     def test_folder(self):
-        self.expect(["info", self.folder], 1, "", f"vrad: {self.folder}: Is a directory\n")
+        for words in self.COMMANDS:
+            self.expect([*words, self.folder], 1, "", f"vrad: {self.folder}: Is a directory\n")
+
+    def test_empty_file(self):
+        path = self.write("empty.mid", b"")
+        for words in self.COMMANDS:
+            self.expect([*words, path], 1, "", f"vrad: {path}: offset 0x0: not a Standard MIDI "
+                                               "File: it does not begin with MThd\n")
 
     def test_what_is_no_midi_file(self):
         for contents in (b"", b"RIFF", b"\0" * 100):

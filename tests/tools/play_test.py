@@ -211,6 +211,13 @@ class WAVErrors(Play):
         self.assertEqual(err.splitlines()[0], "vrad: --wav: 37283 hours of sound; 24 are the most")
         self.assertEqual(self.render_far(path), 1)
 
+    def test_passes_beyond_all_numbers(self):
+        # Multiplied out, samples would not fit into 64 bits.
+        err = self.fail(DEMO, "--wav", self.path(), "--to", "2305843009213693952t", "--passes",
+                        "1000000", status=2)
+        self.assertRegex(err, r"^vrad: --wav: \d{11} hours of sound; 24 are the most\n")
+        self.expect_nothing_written()
+
     def render_far(self, path):
         """Seconds of the beginning of a file that is far too long."""
         self.run_tool("play", path, "--wav", self.path(), "--to", "1sec")
@@ -245,6 +252,11 @@ class BadCommandLines(Play):
         self.expect_usage_error(["play", DEMO, "--to", "8"],
                                 "--to: '8' is not a position such as 960000t, 48000s, 12.5sec or "
                                 "BAR:BEAT[:TICK]")
+
+    def test_names_of_no_file(self):
+        self.expect_usage_error(["play", DEMO, "--wav", ""], "--wav: no file is named")
+        self.expect_usage_error(["play", DEMO, "--wav", self.path(), "--soundfont", ""],
+                                "--soundfont: no file is named")
 
     def test_clips(self):
         self.expect_usage_error(["play", DEMO, "--clip", "6"], "--clip: the file has clips 0 to 5")

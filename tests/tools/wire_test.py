@@ -209,6 +209,17 @@ class BadCommandLines(Tool):
         self.assertEqual(err.count("vrad: "), 2)
 
 
+class TooManyNotes(Tool):
+    def test_are_told(self):
+        for num, told in ((16384, ""), (16385, "1 note was"), (16387, "3 notes were")):
+            path = self.write("many.mid", header(0, 1, 480) + track(
+                *([0, 0x90, n % 128, 1] for n in range(num))))
+            status, out, err = self.run_tool("wire", path, "--as", "jsonl")
+            self.assertEqual((status, err), (1, f"vrad: {told} left out: more than 16384 would "
+                                                "sound at once\n") if told else (0, ""), num)
+            self.assertEqual(out.count("\n"), 2 * 16384)
+
+
 class Demo(Tool):
     def test_a_beat_of_the_demo(self):
         self.expect(["wire", DEMO, "--clip", "1", "--from", "2:1", "--to", "2:2"], 0, self.read("demo_wire.txt"))

@@ -72,7 +72,7 @@ public:
   }
 
   // 0: without end.
-  long long GetLength() const { return mRange.GetLength() * mRange.GetNumPasses(); }
+  long long GetLength() const { return mRange.GetTotalLength(); }
   long long GetNumDone() const { return mNumDone; }
   bool IsAtEnd() const { return GetLength() > 0 && mNumDone >= GetLength(); }
 
@@ -169,6 +169,10 @@ int PlayToFile(Host_Song const & iSong, Tool_PlayRange const & iRange, std::stri
   return isWhole ? Tool_GetStatus(iSong) : kStatus_BadInput;
 }
 
+void CheckName(char const * iOption, std::optional<std::string> const & iPath) {
+  if (iPath && iPath->empty()) throw Tool_UsageError(fmt::format("{}: no file is named", iOption));
+}
+
 std::string ChooseSoundFont(std::optional<std::string> const & iSoundFont) {
   std::string const found = iSoundFont ? *iSoundFont : Host_FindSoundFont();
   if (!found.empty()) return found;
@@ -181,7 +185,7 @@ std::string ChooseSoundFont(std::optional<std::string> const & iSoundFont) {
 CLI::App * Tool_PlayCommand::AddTo(CLI::App & ioApp) {
   CLI::App * const command =
       ioApp.add_subcommand("play", "Play to a MIDI port, or write the sound to a WAV file");
-  command->add_option("FILE", mFile, "A Standard MIDI File");
+  command->add_option("FILE", mFile, "A Standard MIDI File, or a project (.vrad)");
   Tool_AddClipOption(*command, mClip);
   command->add_option("--from", mFrom, "Begin here, with what is in force and sounds here")
       ->type_name("POS");
@@ -212,6 +216,8 @@ CLI::App * Tool_PlayCommand::AddTo(CLI::App & ioApp) {
 int Tool_PlayCommand::Run() const {
   if (mIsListingPorts) return ListPorts();
   if (mFile.empty()) throw Tool_UsageError("FILE is required");
+  CheckName("--wav", mWave);
+  CheckName("--soundfont", mSoundFont);
   Tool_PlayRange range({mClip, mFrom, mTo, mSpeed, mPasses, mIsLooping});
   if (mWave && mIsLooping && !mPasses) {
     throw Tool_UsageError("--loop: a file has to end; --passes N repeats that often");

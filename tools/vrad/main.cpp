@@ -1,4 +1,4 @@
-// vrad: shows what the library makes of a MIDI file.
+// vrad: what the library makes of a MIDI file or a project.
 #include <exception>
 #include <functional>
 #include <sstream>
@@ -57,7 +57,8 @@ int Print(CLI::App const & iApp, CLI::Success const & iSuccess) {
 }
 
 int Run(int iNumArgs, char ** iArgs) {
-  CLI::App app("Reads Standard MIDI Files into clips and hands out their events.", "vrad");
+  CLI::App app("Reads Standard MIDI Files and projects: shows, plays, edits and saves them.",
+               "vrad");
   app.set_version_flag("--version", std::string("vrad ") + Vrad_GetVersion());
   app.require_subcommand(1);
   Commands commands;

@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 
 void Tool_AddFileOption(CLI::App & ioCommand, std::string & oFile) {
-  ioCommand.add_option("FILE", oFile, "A Standard MIDI File")->required();
+  ioCommand.add_option("FILE", oFile, "A Standard MIDI File, or a project (.vrad)")->required();
 }
 
 void Tool_AddClipOption(CLI::App & ioCommand, std::optional<std::string> & oClip) {

@@ -39,7 +39,8 @@ Tool_Player::Tool_Player(Host_Song const & iSong, std::vector<int> const & iClip
 bool Tool_Player::TellLostNotes() const {
   int const numLost = mPlayer.GetNumLostNotes();
   if (numLost == 0) return true;
-  Tool_TellError(fmt::format("{} notes were left out: more than {} would sound at once", numLost,
+  Tool_TellError(fmt::format("{} left out: more than {} would sound at once",
+                             numLost == 1 ? "1 note was" : fmt::format("{} notes were", numLost),
                              Host_NotePool::kDefaultNumNotes));
   return false;
 }

@@ -1,6 +1,7 @@
 #include "tools/vrad/tool_playrange.h"
 
 #include <charconv>
+#include <limits>
 
 #include <fmt/format.h>
 
@@ -61,6 +62,12 @@ void Tool_PlayRange::Resolve(Host_Song const & iSong) {
   SetTempo(iSong);
   mLength = Tool_ToSample(mEnd) - Tool_ToSample(mStart);
   if (mLength <= 0) throw Tool_UsageError("nothing lies between --from and --to");
+}
+
+long long Tool_PlayRange::GetTotalLength() const {
+  constexpr long long kMost = std::numeric_limits<long long>::max();
+  bool const isWithin = mNumPasses == 0 || mLength <= kMost / mNumPasses;
+  return isWithin ? mLength * mNumPasses : kMost;
 }
 
 // In the song's own tempo, as ticks, which the speed does not move.

@@ -34,6 +34,8 @@ public:
   long long GetLength() const { return mLength; }
   /// How often the stretch is played; 0: until stopped.
   long long GetNumPasses() const { return mNumPasses; }
+  /// Samples of all passes, at most the largest number; 0: until stopped.
+  long long GetTotalLength() const;
 
 private:
   void ResolveBounds(Host_Song const & iSong);
