@@ -105,6 +105,7 @@ public:
   void BeginBlock(int iNumSamples) noexcept { mClock.BeginBlock(GetNow(), iNumSamples); }
 
   void Queue(Host_WireMessage const & iMessage) noexcept {
+    if (mIsToEnd) return;
     long long const due = mClock.GetTime(iMessage.mOffset) + kLatency.count();
     if (!mRing.Push(due, iMessage.mData, iMessage.mLength)) CountLoss();
   }
@@ -133,7 +134,8 @@ public:
   }
 
   void CountLoss() noexcept { ++mNumLost; }
-  void End() { mIsToEnd = true; }
+  // False if it has been told before.
+  bool End() { return !mIsToEnd.exchange(true); }
   bool HasEnded() const { return mHasEnded; }
   Host_MidiPortName const & GetName() const { return mName; }
   long long GetNumLost() const { return mNumLost; }
@@ -171,7 +173,7 @@ Host_MidiPort::~Host_MidiPort() {
 }
 
 void Host_MidiPort::Close() {
-  mSender->End();
+  if (!mSender->End()) return;
   long long const end = GetNow() + kPatience.count();
   while (!mSender->HasEnded() && GetNow() < end)
     std::this_thread::sleep_for(kLongestSleep);

@@ -14,6 +14,7 @@ public:
 };
 
 /// Where the system keeps a SoundFont of the General MIDI instruments; empty if none is found.
+/// Fails: Host_SoundError if the program was built without FluidSynth.
 std::string Host_FindSoundFont();
 
 /// Plays 16 channels on a synthesizer of its own, as fast as the processor allows, and writes 16

@@ -1,12 +1,24 @@
 // Where FluidSynth was not found: says so.
 #include "host/host_wavewriter.h"
 
+namespace {
+
+[[noreturn]] void Fail() {
+  throw Host_SoundError("this program was built without sound: FluidSynth was not found");
+}
+
+}  // namespace
+
 class Host_WaveWriter::Synthesizer {};
 
 struct Host_WaveWriter::Rendering {};
 
+std::string Host_FindSoundFont() {
+  Fail();
+}
+
 Host_WaveWriter::Host_WaveWriter(std::string const &, std::string const &) {
-  throw Host_SoundError("this program was built without sound: FluidSynth was not found");
+  Fail();
 }
 
 Host_WaveWriter::~Host_WaveWriter() = default;

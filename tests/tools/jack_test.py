@@ -235,7 +235,10 @@ class ServerGone(Tool):
         self.addCleanup(end, run)
         self.assertEqual(run.stdout.readline(), "playing to jack_recorder:in\n")
         server.send_signal(number)
+        began = time.monotonic()
         out, err = run.communicate(timeout=PATIENCE)
+        # Ten seconds for the server, once, besides what is played.
+        self.assertLess(time.monotonic() - began, 18)
         self.assertEqual((run.returncode, out), (1, ""), err)
         self.assertRegex(err, r"^vrad: jack_recorder:in: \d+ messages? could not be sent\n$")
 
