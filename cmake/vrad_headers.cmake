@@ -64,6 +64,7 @@ set(VRAD_HOST_HEADERS
   host/host_projectfile.h
   host/host_song.h
   host/host_streamchecker.h
+  host/host_wirebytes.h
   host/host_writereport.h)
 
 list(JOIN VRAD_HEADERS "\n" lines)
