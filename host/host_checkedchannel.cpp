@@ -105,6 +105,29 @@ std::string Host_ParameterState::FindMissingFrom(Host_ParameterState const & iOt
 
 Host_CheckedChannel::Host_CheckedChannel() {
   mValues.fill(kUnknown);
+  mMayBeReset.fill(false);
+}
+
+// `kUnknown` for what a reset leaves alone.
+int Host_CheckedChannel::ResetValueOf(int iKey) {
+  constexpr int kModulation = 1, kExpression = 11, kFirstPedal = 64, kLastPedal = 67, kHold2 = 69;
+  constexpr int kFull = 127, kBendCentre = 8192;
+  if (iKey == kExpression) return kFull;
+  if (iKey == kValueKey_Bend) return kBendCentre;
+  bool const goesToZero = iKey == kModulation || (iKey >= kFirstPedal && iKey <= kLastPedal) ||
+                          iKey == kHold2 || iKey >= kValueKey_MonoPressure;
+  return goesToZero ? 0 : kUnknown;
+}
+
+void Host_CheckedChannel::Reset() {
+  for (int key = 0; key < kValueKey_End; ++key)
+    if (ResetValueOf(key) != kUnknown) mMayBeReset[static_cast<size_t>(key)] = true;
+  mParameters.Deselect();
+}
+
+bool Host_CheckedChannel::HasValue(int iKey, int iValue) const {
+  bool const isAsIfReset = !mMayBeReset[static_cast<size_t>(iKey)] || ResetValueOf(iKey) == iValue;
+  return isAsIfReset && GetValue(iKey) == iValue;
 }
 
 int Host_CheckedChannel::KeyOf(unsigned char const * iData) {
@@ -134,6 +157,7 @@ void Host_CheckedChannel::Apply(unsigned char const * iData) {
   else if (key != kValueKey_Program && key != kValueKey_MonoPressure)
     value = iData[2];
   mValues[static_cast<size_t>(key)] = value;
+  mMayBeReset[static_cast<size_t>(key)] = false;
   if (Host_IsParameterKey(key)) mParameters.Apply(key, value);
   if (key == kValueKey_Program) {
     mProgramMSB = GetValue(kBankMSB);

@@ -13,6 +13,8 @@ class Host_ParameterState {
 public:
   /// A controller of those for which `Host_IsParameterKey` holds.
   void Apply(int iController, int iValue);
+  /// None is selected any more.
+  void Deselect() { mIsAnySelected = false; }
 
   /// What this state has and the other one lacks or holds differently, as "registered parameter
   /// 0/2: data 12"; empty if there is nothing.
@@ -50,7 +52,12 @@ public:
   /// A whole message that is no note.
   void Apply(unsigned char const * iData);
 
-  /// `kUnknown` before the first. Of a program: its number alone.
+  /// "Reset all controllers", which a receiver may obey.
+  void Reset();
+
+  /// Whether the value is in force for a receiver that has obeyed resets and for one that has not.
+  bool HasValue(int iKey, int iValue) const;
+  /// `kUnknown` before the first; resets ignored. Of a program: its number alone.
   int GetValue(int iKey) const { return mValues[static_cast<size_t>(iKey)]; }
   /// Whether the parts that are enabled are in force; without a program number, in its controllers.
   bool HasProgram(Host_ProgramParts const & iParts) const;
@@ -60,7 +67,10 @@ public:
   static int KeyOf(unsigned char const * iData);
 
 private:
+  static int ResetValueOf(int iKey);
+
   std::array<int, kValueKey_End> mValues;
+  std::array<bool, kValueKey_End> mMayBeReset;
   int mProgramMSB = kUnknown, mProgramLSB = kUnknown;  // as they stood when the program came
   Host_ParameterState mParameters;
 };

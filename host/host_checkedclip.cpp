@@ -8,26 +8,31 @@
 
 namespace {
 
+// As a message has it, of which a data byte has seven bits.
+int AsData(int iValue) {
+  return iValue & 0x7F;
+}
+
 // The key and the value that the event's messages leave a receiver with. False for what no receiver
 // keeps.
 bool ReadEvent(Vrae_Event const & iEvent, int & oKey, int & oValue) {
-  constexpr int kBendCentre = 8192, kNumControllers = 120;
+  constexpr int kBendCentre = 8192, kMaxBend = 0x3FFF, kNumControllers = 120;
   switch (iEvent.GetType()) {
   case Vrae_Event::kController:
     oKey = iEvent.AsController().GetControllerNumber();
-    oValue = iEvent.AsController().GetValue();
+    oValue = AsData(iEvent.AsController().GetValue());
     return oKey >= 0 && oKey < kNumControllers;
   case Vrae_Event::kPitchBend:
     oKey = kValueKey_Bend;
-    oValue = iEvent.AsPitchBend().GetBendValue() + kBendCentre;
+    oValue = (iEvent.AsPitchBend().GetBendValue() + kBendCentre) & kMaxBend;
     return true;
   case Vrae_Event::kMonoPressure:
     oKey = kValueKey_MonoPressure;
-    oValue = iEvent.AsMonoPressure().GetPressure();
+    oValue = AsData(iEvent.AsMonoPressure().GetPressure());
     return true;
   case Vrae_Event::kPolyPressure:
-    oKey = kValueKey_PolyPressure + iEvent.AsPolyPressure().GetPitch();
-    oValue = iEvent.AsPolyPressure().GetPressure();
+    oKey = kValueKey_PolyPressure + AsData(iEvent.AsPolyPressure().GetPitch());
+    oValue = AsData(iEvent.AsPolyPressure().GetPressure());
     return true;
   case Vrae_Event::kProgram: {
     Vrae_ProgramEvent const & program = iEvent.AsProgram();
@@ -81,7 +86,7 @@ void Host_CheckedClip::ReadNotes(Vrad_Chunk const & iChunk) {
       continue;
     mNotes.push_back({note.mTime, note.mTime + note.mEvent.GetDuration(), 0, 0,
                       note.mEvent.GetPitch(), note.mEvent.GetOnVelocity(),
-                      note.mEvent.GetOffVelocity()});
+                      AsData(note.mEvent.GetOffVelocity())});
   }
 }
 

@@ -52,7 +52,8 @@ void Host_CheckedNotes::FreeRingingNotes(bool iIsTempoNew) {
 void Host_CheckedNotes::SetRests(Notes const & iNotes, long long iLoopEnd, long long iClock) {
   for (Sounding & note : mSounding) {
     if (note.mIndex < 0) continue;
-    note.mRingEnd = iClock + iNotes[static_cast<size_t>(note.mIndex)].mEndSample - iLoopEnd;
+    long long const rest = iNotes[static_cast<size_t>(note.mIndex)].mEndSample - iLoopEnd;
+    note.mRingEnd = rest < kNever - iClock ? iClock + rest : kNever;
     note.mIsRestFree = false;
   }
 }
@@ -69,6 +70,7 @@ long long Host_CheckedNotes::GetNextRingingEnd() const {
 void Host_CheckedNotes::OpenSample() {
   mDue.clear();
   mSent.clear();
+  mNumCut.fill(0);
   mIsBlurred = false;
   for (Ringing & note : mRinging)
     note.mIsNew = false;
@@ -150,7 +152,9 @@ void Host_CheckedNotes::End(int iIndex, Host_CheckedClip::Note const & iNote) {
 void Host_CheckedNotes::Pass(Host_CheckedClip::Note const & iNote, bool iIsOptional) {
   if (!iIsOptional) EndRingingOf(iNote.mPitch, false);
   mDue.push_back({iNote.mPitch, iNote.mOnVelocity, true, false, iIsOptional, iNote.mStart});
-  mDue.push_back({iNote.mPitch, iNote.mOffVelocity, false, false, iIsOptional, iNote.mEnd});
+  // One of no length does not end before it begins.
+  Time_Typed const end = std::max<Time_Typed>(iNote.mEnd, iNote.mStart + Time_TickLength(1));
+  mDue.push_back({iNote.mPitch, iNote.mOffVelocity, false, false, iIsOptional, end});
 }
 
 void Host_CheckedNotes::EndRinging(long long iClock) {
@@ -170,8 +174,28 @@ bool Host_CheckedNotes::ReceiveNoteOff(int iPitch, int iVelocity) {
   int & numOn = mNumOn[static_cast<size_t>(iPitch)];
   if (numOn == 0) return false;
   --numOn;
+  int & numCut = mNumCut[static_cast<size_t>(iPitch)];
+  numCut = std::max(numCut - 1, 0);
   mSent.push_back({iPitch, iVelocity, false});
   return true;
+}
+
+int Host_CheckedNotes::GetFit(int iPitch, int iVelocity, bool iIsOn) const {
+  enum EFit : int { kNot = -1, kPossible, kMayBeDue, kDue, kDueWithVelocity };
+  if (!iIsOn && mNumOn[static_cast<size_t>(iPitch)] == 0) return kNot;
+  auto numLeft = -std::count_if(mSent.begin(), mSent.end(), [=](Sent const & iSent) {
+    return iSent.mPitch == iPitch && iSent.mIsOn == iIsOn;
+  });
+  int best = kMayBeDue;
+  for (Due const & due : mDue) {
+    if (due.mPitch != iPitch || due.mIsOn != iIsOn) continue;
+    ++numLeft;
+    if (due.mMayGoOn || due.mIsOptional) continue;
+    best = std::max<int>(best, due.mVelocity == iVelocity ? kDueWithVelocity : kDue);
+  }
+  bool const mayEnd = !iIsOn && Count(iPitch).mFree > 0;
+  if (numLeft > 0) return best;
+  return mayEnd ? kMayBeDue : kPossible;
 }
 
 bool Host_CheckedNotes::FindStrikeTime(int iPitch, Time_Typed & oTime) const {
@@ -307,6 +331,15 @@ Host_NoteFlaw Host_CheckedNotes::CheckPitch(int iPitch, std::string const & iWhy
   return {};
 }
 
+// A note that some receivers end there and others don't is right for neither.
+Host_NoteFlaw Host_CheckedNotes::FindCut() const {
+  auto const iter = std::find_if(mNumCut.begin(), mNumCut.end(), [](int iNum) { return iNum > 0; });
+  if (iter == mNumCut.end()) return {};
+  return {Host_EViolation::kNoteCutShort,
+          "note " + std::to_string(iter - mNumCut.begin()) +
+              " is cut off by a channel mode message, though it should sound on"};
+}
+
 Host_NoteFlaw Host_CheckedNotes::CloseSample(std::string const & iWhy) {
   std::vector<int> pitches;
   for (Due const & due : mDue)
@@ -319,5 +352,5 @@ Host_NoteFlaw Host_CheckedNotes::CloseSample(std::string const & iWhy) {
     Host_NoteFlaw const flaw = CheckPitch(pitch, iWhy);
     if (flaw.mKind != Host_EViolation::kNone) return flaw;
   }
-  return {};
+  return FindCut();
 }

@@ -21,7 +21,10 @@ class Host_CheckedNotes {
 public:
   typedef std::vector<Host_CheckedClip::Note> Notes;
 
-  Host_CheckedNotes() { mNumOn.fill(0); }
+  Host_CheckedNotes() {
+    mNumOn.fill(0);
+    mNumCut.fill(0);
+  }
 
   // Between samples.
 
@@ -81,6 +84,10 @@ public:
   void ReceiveNoteOn(int iPitch, int iVelocity);
   /// False if nothing of that pitch sounds.
   bool ReceiveNoteOff(int iPitch, int iVelocity);
+  /// All notes off, which a receiver may obey.
+  void ReceiveAllOff() { mNumCut = mNumOn; }
+  /// How well a note-on or note-off would fit now: -1 if not at all, else the higher the better.
+  int GetFit(int iPitch, int iVelocity, bool iIsOn) const;
   /// The start of the note that a note-on would strike now. False if none is due.
   bool FindStrikeTime(int iPitch, Time_Typed & oTime) const;
 
@@ -131,11 +138,13 @@ private:
   Host_NoteFlaw FindWrongVelocity(int iPitch, bool iIsOn) const;
   bool IsOrderRight(int iPitch, int iNumKept) const;
   Host_NoteFlaw CheckPitch(int iPitch, std::string const & iWhy);
+  Host_NoteFlaw FindCut() const;
 
   std::vector<Sounding> mSounding;
   std::vector<Ringing> mRinging;
-  std::array<int, 128> mNumOn;  // at the receiver
-  bool mIsBlurred = false;      // in the sample
-  std::vector<Due> mDue;        // in the sample
-  std::vector<Sent> mSent;      // in the sample, in order
+  std::array<int, 128> mNumOn;   // at the receiver
+  std::array<int, 128> mNumCut;  // of them, by "all notes off" in the sample
+  bool mIsBlurred = false;       // in the sample
+  std::vector<Due> mDue;         // in the sample
+  std::vector<Sent> mSent;       // in the sample, in order
 };

@@ -172,6 +172,8 @@ void Host_StreamChecker::Impl::ApplyCommands() {
 
 void Host_StreamChecker::Impl::BeginBlock(int iNumSamples) {
   if (!IsGood()) return;
+  if (mIsInBlock)
+    return Blame(Host_EViolation::kOrder, -1, -1, "a block begins before this one has ended");
   ++mBlock;
   mBlockLength = std::max(iNumSamples, 0);
   mIsInBlock = true;
@@ -193,8 +195,10 @@ int Host_StreamChecker::Impl::FindNextOffset(int iFrom) const {
     Clip const & clip = *clipP;
     if (clip.mPending != EPending::kNone) return iFrom;
     std::vector<Edge> const & edges = clip.mContents.GetEdges();
-    if (Plays(clip) && clip.mNextEdge < edges.size())
-      next = std::min(next, mRunOffset + (edges[clip.mNextEdge].mSample - mRunPosition));
+    if (Plays(clip) && clip.mNextEdge < edges.size()) {
+      long long const distance = edges[clip.mNextEdge].mSample - mRunPosition;
+      if (distance < mBlockLength) next = std::min(next, mRunOffset + distance);
+    }
     next = std::min(next, clip.mNotes.GetNextRingingEnd() - mClock);
   }
   return static_cast<int>(std::max<long long>(next, iFrom));
@@ -389,78 +393,6 @@ void Host_StreamChecker::Impl::CheckSysexes(Clip & ioClip) {
   if (numSent < ioClip.mSentSysexes.size())
     Blame(Host_EViolation::kSysex, ioClip,
           "the sysex " + HexOf(ioClip.mSentSysexes[numSent]) + " is sent, which the clip has not");
-}
-
-// ---- What is sent ----
-
-Host_StreamChecker::Impl::Clip *
-Host_StreamChecker::Impl::FindReceivingClip(Host_WireMessage const & iMessage) {
-  Clip * foundP = nullptr;
-  bool const isSysex = iMessage.mData[0] == 0xF0;
-  for (auto const & clipP : mClips) {
-    if (clipP->mNumber != iMessage.mClip) continue;
-    foundP = clipP.get();
-    bool const isItsOwn =
-        isSysex ? !foundP->mIsRemoved : (iMessage.mData[0] & 0x0F) == foundP->mChannel;
-    if (isItsOwn) return foundP;
-  }
-  if (foundP == nullptr)
-    Blame(Host_EViolation::kClip, iMessage.mClip, -1, "there is no such clip");
-  else
-    Blame(Host_EViolation::kClip, *foundP,
-          "a message goes to channel " + std::to_string(iMessage.mData[0] & 0x0F));
-  return nullptr;
-}
-
-void Host_StreamChecker::Impl::ReceiveMessage(Host_WireMessage const & iMessage) {
-  if (!IsGood()) return;
-  int const offset = iMessage.mOffset;
-  if (!mIsInBlock)
-    return Blame(Host_EViolation::kOrder, iMessage.mClip, -1, "a message comes between two blocks");
-  if (offset < 0 || offset >= std::max(mBlockLength, 1))
-    return Blame(Host_EViolation::kOrder, iMessage.mClip, -1,
-                 "a message has the offset " + std::to_string(offset) + " in a block of " +
-                     std::to_string(mBlockLength));
-  if (offset < mLastOffset)
-    return Blame(Host_EViolation::kOrder, iMessage.mClip, -1,
-                 "a message of the offset " + std::to_string(offset) + " comes behind one of " +
-                     std::to_string(mLastOffset));
-  AdvanceTo(offset);
-  if (!IsGood()) return;
-  mLastOffset = offset;
-  std::string const flaw = Host_FindFlawOf(iMessage.mData, iMessage.mLength);
-  if (!flaw.empty()) return Blame(Host_EViolation::kBytes, iMessage.mClip, -1, "a message " + flaw);
-  if (Clip * const clipP = FindReceivingClip(iMessage)) TakeMessage(*clipP, iMessage);
-}
-
-void Host_StreamChecker::Impl::TakeMessage(Clip & ioClip, Host_WireMessage const & iMessage) {
-  unsigned char const * const data = iMessage.mData;
-  int const kind = data[0] & 0xF0;
-  if (data[0] == 0xF0) {
-    ioClip.mSentSysexes.emplace_back(data, data + iMessage.mLength);
-  } else if (kind == 0x80 || kind == 0x90) {
-    ReceiveNote(ioClip, data);
-  } else {
-    Channel & channel = mChannels[ioClip.mChannel];
-    channel.mReceiver.Apply(data);
-    int const key = Host_CheckedChannel::KeyOf(data);
-    if (key >= 0) channel.mTouched.push_back(key);
-  }
-}
-
-void Host_StreamChecker::Impl::ReceiveNote(Clip & ioClip, unsigned char const * iData) {
-  constexpr int kImpliedOffVelocity = 64;
-  int const pitch = iData[1], velocity = iData[2];
-  bool const isOn = (iData[0] & 0xF0) == 0x90 && velocity > 0;
-  if (isOn) {
-    CheckValuesAtStrike(ioClip, pitch);
-    ioClip.mNotes.ReceiveNoteOn(pitch, velocity);
-    return;
-  }
-  bool const isRunningOff = (iData[0] & 0xF0) == 0x90;
-  if (!ioClip.mNotes.ReceiveNoteOff(pitch, isRunningOff ? kImpliedOffVelocity : velocity))
-    Blame(Host_EViolation::kStrayNoteOff, ioClip,
-          "note " + std::to_string(pitch) + " ends without having been struck");
 }
 
 // ---- The public face ----

@@ -43,8 +43,13 @@ struct Host_StreamViolation {
                           // on after the stop"
 };
 
-/// Listens to a player, is told what the transport does, and compares with what the clips hold.
-/// Tell it each command before the block in which it takes effect; let each block go through it.
+/// Listens to a player, is told what the transport does, and compares with what the clips hold. The
+/// player may be any: what counts is what it sends. For a program's own one:
+/// - tell the checker each command, before the block in which it takes effect;
+/// - for each block, send or not, call `BeginBlock`, hand over what is sent, call `EndBlock`, and
+///   give the position come to to `CheckPosition`;
+/// - stop at the end, with one more block, so that what is left on is found;
+/// - print `GetViolation().mText`. examples/check_stream.cpp is all of this.
 /// What should be, sample by sample:
 /// - While playing, the notes sound of each clip that is not muted that start at or before the
 ///   sample and end after it. Times are rounded down to the sample. Muted notes, notes of velocity
@@ -60,14 +65,16 @@ struct Host_StreamViolation {
 /// - Each value is in force at the end of its sample, and before a note is struck at or after its
 ///   time. Of several clips on a channel the later value counts, at equal times that of the clip
 ///   added last. Where no clip that plays has a value, pedals (64, 66, 67, 69) are up, bend and
-///   pressures at rest; all else is free.
+///   pressures at rest. All else is free there, but changes only with a start, a jump and the like
+///   where clips have a value later on.
 /// - Of a program, the parts that the last event enables. While a channel has programs, the bank
 ///   controllers 0 and 32 are looked at with them alone.
 /// - Where a channel selects parameters (98 to 101), 6, 38, 96 and 97 count for the parameter that
 ///   is selected: its data and, where both parts of it were set, the steps since the coarse one. At
 ///   one time selections come before data and data before steps.
 /// - A block of 0 samples brings the state of the position, without what happens in its sample.
-/// - The receiver is one that ignores channel modes, such as "all notes off".
+/// - What is sent must be right for a receiver that obeys channel mode messages ("all notes off",
+///   "reset all controllers") and for one that ignores them.
 ///
 /// Shares nothing with the player but the interface. Keeps a flat copy of each clip.
 /// Cost: O(n log n) to add or edit a clip, for each message O(clips), for a jump or wrap O(k log n)
@@ -76,6 +83,10 @@ struct Host_StreamViolation {
 /// Fails: std::bad_alloc.
 class Host_StreamChecker : public Host_BlockReceiver {
 public:
+  /// In the place of a clip's number: the one clip of the message's channel; where several share
+  /// the channel, the one in which the message is due.
+  static constexpr int kAnyClip = -1;
+
   /// Stands at sample 0, stopped, before a receiver of which nothing is known.
   Host_StreamChecker();
   ~Host_StreamChecker() override;
@@ -85,6 +96,8 @@ public:
   // What the host does, as in `Host_BlockPlayer`. It takes effect in the next block. Positions
   // before sample 0 count as sample 0.
 
+  /// The chunk is read here and by `ClipEdited` alone, and must live as long as that is called.
+  /// False for a null chunk, a channel outside -1 to 15, or a number in use.
   bool AddClip(Vrad_Chunk const * iChunkP, int iChannel, int iClip);
   void ClipEdited(int iClip);
   void RemoveClip(int iClip);
@@ -103,7 +116,8 @@ public:
   /// A position that is not the next block's first sample is a violation.
   void CheckPosition(Time_Sample iPosition);
 
-  // What the player sends.
+  // What the player sends: whole messages, between the beginning and the end of each block, in
+  // which nothing may be sent, too. `Host_WireBytes` makes messages of bytes.
 
   void BeginBlock(int iNumSamples) override;
   void ReceiveMessage(Host_WireMessage const & iMessage) override;

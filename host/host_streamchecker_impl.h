@@ -1,6 +1,7 @@
-// How a stream checker works: two halves, of notes in time and of values, share this.
+// How a stream checker works: notes in time, what is sent, and values share this.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -89,6 +90,9 @@ private:
   }
   Clip * FindClip(int iNumber);
   Clip * FindReceivingClip(Host_WireMessage const & iMessage);
+  Clip * FindBestClip(Host_WireMessage const & iMessage);
+  static int GetFit(Clip const & iClip, Host_WireMessage const & iMessage);
+  static bool IsSysexDue(Clip const & iClip, Host_WireMessage const & iMessage);
   void SetPending(Clip & ioClip, EPending iPending, char const * iWhy);
   void SetAllPending(EPending iPending, char const * iWhy);
 
@@ -128,17 +132,22 @@ private:
   Value const * FindExpected(int iChannel, int iKey, long long iSample) const;
   Value const * FindExpectedAt(int iChannel, int iKey, Time_Typed iTime, Clip const * iOwnP) const;
   bool IsInForce(int iChannel, int iKey, Value const & iValue) const;
+  std::string TextOfActual(int iChannel, int iKey) const;
   void CheckValue(int iChannel, int iKey);
   bool IsOneInForce(int iChannel, int iKey, Time_Typed iAfter, long long iSample) const;
   bool MayStandAt(int iChannel, int iKey, Time_Typed iTime, Clip const * iOwnP) const;
   void CheckValues();
   void CheckValuesAtStrike(Clip & ioClip, int iPitch);
-  Host_ParameterState WalkParameters(int iChannel, long long iLastSample) const;
+  Host_ParameterState WalkParameters(int iChannel,
+                                     std::function<bool(Value const &)> const & iIsIn) const;
+  Host_ParameterState WalkParametersTo(int iChannel, long long iLastSample) const;
   static void ApplyParameters(ParameterEdges & ioEdges, Host_ParameterState & ioState);
   void CheckParameters(int iChannel);
+  void CheckParametersAtStrike(Clip const & iClip, int iPitch, Time_Typed iTime);
 
   void TakeMessage(Clip & ioClip, Host_WireMessage const & iMessage);
   void ReceiveNote(Clip & ioClip, unsigned char const * iData);
+  void ReceiveMode(int iChannel, int iController);
 
   std::vector<std::unique_ptr<Clip>> mClips;  // in the order of adding
   Channel mChannels[kNumChannels];

@@ -1,5 +1,6 @@
 // Values that stand on channels: controllers, programs, bends, pressures, parameters.
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <string>
 #include <utility>
@@ -20,13 +21,16 @@ bool IsPedal(int iKey) {
   return iKey == 64 || iKey == 66 || iKey == 67 || iKey == 69;
 }
 
-// Whether the value holds nothing that a receiver should not be left with.
+// What a receiver should not be left with.
+bool HasRest(int iKey) {
+  return IsPedal(iKey) || iKey == kValueKey_Bend || iKey >= kValueKey_MonoPressure;
+}
+
 bool IsAtRest(int iKey, int iValue) {
   constexpr int kPedalDown = 64, kBendCentre = 8192;
-  if (iValue == Host_CheckedChannel::kUnknown) return true;
+  if (iValue == Host_CheckedChannel::kUnknown || !HasRest(iKey)) return true;
   if (IsPedal(iKey)) return iValue < kPedalDown;
-  if (iKey == kValueKey_Bend) return iValue == kBendCentre;
-  return iKey < kValueKey_MonoPressure || iValue == 0;
+  return iValue == (iKey == kValueKey_Bend ? kBendCentre : 0);
 }
 
 std::string TextOf(int iKey, int iValue) {
@@ -102,7 +106,7 @@ Host_StreamChecker::Impl::FindExpected(int iChannel, int iKey, long long iSample
 bool Host_StreamChecker::Impl::IsInForce(int iChannel, int iKey, Value const & iValue) const {
   Host_CheckedChannel const & receiver = mChannels[iChannel].mReceiver;
   if (iKey == kValueKey_Program) return receiver.HasProgram(Host_UnpackProgram(iValue.mValue));
-  return receiver.GetValue(iKey) == iValue.mValue;
+  return receiver.HasValue(iKey, iValue.mValue);
 }
 
 // The same by time: what comes at the time counts for all clips, or for one alone.
@@ -154,6 +158,13 @@ bool Host_StreamChecker::Impl::MayStandAt(int iChannel, int iKey, Time_Typed iTi
   return IsOneInForce(iChannel, iKey, iTime, PositionAt(mOpenOffset));
 }
 
+std::string Host_StreamChecker::Impl::TextOfActual(int iChannel, int iKey) const {
+  Host_CheckedChannel const & receiver = mChannels[iChannel].mReceiver;
+  int const value = receiver.GetValue(iKey);
+  bool const isSure = value == Host_CheckedChannel::kUnknown || receiver.HasValue(iKey, value);
+  return TextOf(iKey, value) + (isSure ? "" : " or reset");
+}
+
 void Host_StreamChecker::Impl::CheckValue(int iChannel, int iKey) {
   if (!IsLookedAt(iChannel, iKey)) return;
   long long const sample = PositionAt(mOpenOffset);
@@ -163,12 +174,17 @@ void Host_StreamChecker::Impl::CheckValue(int iChannel, int iKey) {
   if (mIsBetween && mIsPlaying && MayStandAt(iChannel, iKey, Time_Sample(sample), nullptr)) return;
   if (valueP != nullptr)
     return Blame(Host_EViolation::kValue, -1, iChannel,
-                 NameOfKey(iKey) + " is " + TextOf(iKey, actual) + " instead of " +
+                 NameOfKey(iKey) + " is " + TextOfActual(iChannel, iKey) + " instead of " +
                      TextOfExpected(iKey, valueP->mValue));
   if (!IsAtRest(iKey, actual))
     Blame(Host_EViolation::kNotAtRest, -1, iChannel,
           NameOfKey(iKey) + " is left at " + TextOf(iKey, actual) +
               ", where nothing holds it there");
+  // Nothing but a message can have brought it up.
+  if (!HasRest(iKey) && !mChannels[iChannel].mIsAllChanged && HasValues(iChannel, iKey))
+    Blame(Host_EViolation::kValue, -1, iChannel,
+          NameOfKey(iKey) + " comes to " + TextOf(iKey, actual) +
+              " before the first of its values");
 }
 
 void Host_StreamChecker::Impl::CheckValues() {
@@ -192,24 +208,26 @@ void Host_StreamChecker::Impl::CheckValuesAtStrike(Clip & ioClip, int iPitch) {
   time = std::max<Time_Typed>(time, Time_Sample(PositionAt(mOpenOffset)));
   Channel & channel = mChannels[ioClip.mChannel];
   std::vector<int> keys = channel.mTouched;
-  if (channel.mIsAllChanged && !std::exchange(channel.mIsAllLookedAt, true))
-    std::ranges::copy(KeysOf(ioClip.mChannel), std::back_inserter(keys));
+  bool const isAllNew = channel.mIsAllChanged && !std::exchange(channel.mIsAllLookedAt, true);
+  if (isAllNew) std::ranges::copy(KeysOf(ioClip.mChannel), std::back_inserter(keys));
   for (int const key : keys) {
     if (Host_IsParameterKey(key) || !IsLookedAt(ioClip.mChannel, key)) continue;
     if (MayStandAt(ioClip.mChannel, key, time, &ioClip)) continue;
     Value const * const valueP = FindExpectedAt(ioClip.mChannel, key, time, nullptr);
     return Blame(Host_EViolation::kLateValue, ioClip,
                  "note " + std::to_string(iPitch) + " is struck while " + NameOfKey(key) + " is " +
-                     TextOf(key, channel.mReceiver.GetValue(key)) + " instead of " +
+                     TextOfActual(ioClip.mChannel, key) + " instead of " +
                      (valueP ? TextOfExpected(key, valueP->mValue) : "at rest"));
   }
+  if (isAllNew) CheckParametersAtStrike(ioClip, iPitch, time);
 }
 
 // ---- Parameters ----
 
-// All that the clips of a channel say of parameters up to the sample, in order.
-Host_ParameterState Host_StreamChecker::Impl::WalkParameters(int iChannel,
-                                                             long long iLastSample) const {
+// All that the clips of a channel say of parameters by the values that are in, in order.
+Host_ParameterState
+Host_StreamChecker::Impl::WalkParameters(int iChannel,
+                                         std::function<bool(Value const &)> const & iIsIn) const {
   ParameterEdges edges;
   for (size_t i = 0; i < mClips.size(); ++i) {
     Clip const & clip = *mClips[i];
@@ -217,12 +235,18 @@ Host_ParameterState Host_StreamChecker::Impl::WalkParameters(int iChannel,
     for (auto const & [key, values] : clip.mContents.GetValues()) {
       if (!Host_IsParameterKey(key)) continue;
       for (Value const & value : values)
-        if (value.mSample <= iLastSample) edges.push_back({value.mTime, i, key, value.mValue});
+        if (iIsIn(value)) edges.push_back({value.mTime, i, key, value.mValue});
     }
   }
   Host_ParameterState state;
   ApplyParameters(edges, state);
   return state;
+}
+
+Host_ParameterState Host_StreamChecker::Impl::WalkParametersTo(int iChannel,
+                                                               long long iLastSample) const {
+  return WalkParameters(
+      iChannel, [iLastSample](Value const & iValue) { return iValue.mSample <= iLastSample; });
 }
 
 void Host_StreamChecker::Impl::ApplyParameters(ParameterEdges & ioEdges,
@@ -243,12 +267,30 @@ void Host_StreamChecker::Impl::CheckParameters(int iChannel) {
   Host_ParameterState const & actual = channel.mReceiver.GetParameters();
   long long const sample = PositionAt(mOpenOffset);
   if (channel.mIsExpectedStale)
-    channel.mExpected = WalkParameters(iChannel, sample);
+    channel.mExpected = WalkParametersTo(iChannel, sample);
   else
     ApplyParameters(channel.mParameterEdges, channel.mExpected);
   channel.mIsExpectedStale = mIsBetween;
   std::string const missing = channel.mExpected.FindMissingFrom(actual);
   if (missing.empty()) return;
-  if (mIsBetween && WalkParameters(iChannel, sample - 1).FindMissingFrom(actual).empty()) return;
+  if (mIsBetween && WalkParametersTo(iChannel, sample - 1).FindMissingFrom(actual).empty()) return;
   Blame(Host_EViolation::kParameter, -1, iChannel, missing + " is not in force");
+}
+
+// What comes at the very time or later in the sample may be there or not.
+void Host_StreamChecker::Impl::CheckParametersAtStrike(Clip const & iClip, int iPitch,
+                                                       Time_Typed iTime) {
+  int const number = iClip.mChannel;
+  if (!HasSelections(number)) return;
+  Host_ParameterState const & actual = mChannels[number].mReceiver.GetParameters();
+  std::string const missing = WalkParameters(number, [&](Value const & iValue) {
+                                return iValue.mTime < iTime;
+                              }).FindMissingFrom(actual);
+  if (missing.empty()) return;
+  Host_ParameterState const atTime =
+      WalkParameters(number, [&](Value const & iValue) { return iValue.mTime <= iTime; });
+  if (atTime.FindMissingFrom(actual).empty()) return;
+  if (WalkParametersTo(number, PositionAt(mOpenOffset)).FindMissingFrom(actual).empty()) return;
+  Blame(Host_EViolation::kParameter, iClip,
+        "note " + std::to_string(iPitch) + " is struck before " + missing + " is in force");
 }

@@ -229,6 +229,19 @@ TEST(Host_StreamChecker_Faults, DataOfAParameterBeforeItsSelection) {
   EXPECT_EQ(Host_EViolation::kParameter, ViolationOf(dataFirst));
 }
 
+TEST(Host_StreamChecker_Faults, ParametersBehindTheNotes) {
+  auto const notesFirst = [](Block iBlock, Messages & ioMessages) {
+    if (iBlock != Block::kJump) return;
+    auto const isParameter = [](Message const & iMessage) {
+      return iMessage.IsController(101) || iMessage.IsController(100) || iMessage.IsController(6);
+    };
+    auto const end = std::find_if(ioMessages.begin(), ioMessages.end(),
+                                  [](Message const & iMessage) { return iMessage.mOffset > 0; });
+    std::stable_partition(ioMessages.begin(), end, std::not_fn(isParameter));
+  };
+  EXPECT_EQ(Host_EViolation::kParameter, ViolationOf(notesFirst));
+}
+
 TEST(Host_StreamChecker_Faults, ParameterNotRestored) {
   EXPECT_EQ(Host_EViolation::kParameter,
             ViolationOf(Dropping(

@@ -38,11 +38,24 @@ struct StreamChecker : testing::Test {
     mChecker.Start(Samples(iSample));
   }
   void Block(int iNumSamples, std::vector<WireText> const & iMessages = {}) {
-    mChecker.BeginBlock(iNumSamples);
+    Block(mChecker, iNumSamples, iMessages);
+  }
+  static void Block(Host_StreamChecker & ioChecker, int iNumSamples,
+                    std::vector<WireText> const & iMessages = {}) {
+    ioChecker.BeginBlock(iNumSamples);
     for (WireText const & text : iMessages)
-      mChecker.ReceiveMessage({text.mClip, text.mOffset, text.mBytes.data(),
-                               static_cast<int>(text.mBytes.size()), Time_Typed()});
-    mChecker.EndBlock();
+      ioChecker.ReceiveMessage({text.mClip, text.mOffset, text.mBytes.data(),
+                                static_cast<int>(text.mBytes.size()), Time_Typed()});
+    ioChecker.EndBlock();
+  }
+  // What another checker says of that clip and one block from the sample.
+  Host_EViolation KindOf(long long iSample, int iNumSamples,
+                         std::vector<WireText> const & iMessages) const {
+    Host_StreamChecker checker;
+    checker.AddClip(mChunk.Get(), 0, 1);
+    checker.Start(Samples(iSample));
+    Block(checker, iNumSamples, iMessages);
+    return checker.GetViolation().mKind;
   }
   void AddNote(long long iStart, int iPitch, long long iLength, int iOffVelocity = 64) {
     mChunk->AddEvent(Vrad_NoteWithDurationExtendedEvent(
