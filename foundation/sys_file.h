@@ -24,8 +24,10 @@ public:
 private:
   void CloseHandle();
 
-  std::string mTargetPath, mPath;
-  std::intptr_t mHandle;  // -1 when closed
+  std::string mTargetPath;  // as it was given
+  std::string mRealPath;    // of the same file, behind all links
+  std::string mPath;        // of the new one
+  std::intptr_t mHandle;    // -1 when closed
   bool mIsCommitted = false;
 };
 

@@ -15,9 +15,12 @@
 
 namespace {
 
+[[noreturn]] void Fail(std::string const & iPath, std::string const & iWhy) {
+  throw Sys_StreamException(Sys_StreamException::kIO, iPath + ": " + iWhy);
+}
+
 [[noreturn]] void Fail(std::string const & iPath, int iError) {
-  throw Sys_StreamException(Sys_StreamException::kIO,
-                            iPath + ": " + std::generic_category().message(iError));
+  Fail(iPath, std::generic_category().message(iError));
 }
 
 int AsFD(std::intptr_t iHandle) {
@@ -30,10 +33,15 @@ std::string FolderOf(std::string const & iPath) {
   return slash == 0 ? "/" : iPath.substr(0, slash);
 }
 
-// The file behind a link is replaced, not the link.
-std::string Resolved(std::string const & iPath) {
+// The file behind a link is replaced, not the link, also where there is no such file yet.
+std::string Resolved(std::string const & iPath, int iMaxLinks = 40) {
   std::unique_ptr<char, void (*)(void *)> const resolved(realpath(iPath.c_str(), nullptr), free);
-  return resolved ? resolved.get() : iPath;
+  if (resolved) return resolved.get();
+  char link[PATH_MAX];
+  ssize_t const length = readlink(iPath.c_str(), link, sizeof link);
+  if (length <= 0 || length == PATH_MAX || iMaxLinks == 0) return iPath;
+  std::string const target(link, static_cast<size_t>(length));
+  return Resolved(target[0] == '/' ? target : FolderOf(iPath) + "/" + target, iMaxLinks - 1);
 }
 
 // Names that no other process and no earlier file uses.
@@ -59,13 +67,14 @@ void SyncFolder(std::string const & iFolder) {
 }  // namespace
 
 Sys_NewFile::Sys_NewFile(std::string const & iTargetPath)
-    : mTargetPath(Resolved(iTargetPath)), mHandle(-1) {
+    : mTargetPath(iTargetPath), mRealPath(Resolved(iTargetPath)), mHandle(-1) {
   struct stat target;
-  bool const exists = stat(mTargetPath.c_str(), &target) == 0;
-  if (exists && !S_ISREG(target.st_mode))
-    Fail(iTargetPath, S_ISDIR(target.st_mode) ? EISDIR : EINVAL);
-  mHandle = OpenBeside(mTargetPath, mPath);
-  if (mHandle < 0) Fail(iTargetPath, errno);
+  bool const exists = stat(mRealPath.c_str(), &target) == 0;
+  if (!exists && errno != ENOENT) Fail(mTargetPath, errno);
+  if (exists && S_ISDIR(target.st_mode)) Fail(mTargetPath, EISDIR);
+  if (exists && !S_ISREG(target.st_mode)) Fail(mTargetPath, "Not a regular file");
+  mHandle = OpenBeside(mRealPath, mPath);
+  if (mHandle < 0) Fail(mTargetPath, errno);
   // Best effort: the new file may have the rights of a new file.
   if (exists && fchmod(AsFD(mHandle), target.st_mode & 07777) != 0) errno = 0;
 }
@@ -98,9 +107,9 @@ void Sys_NewFile::Commit() {
   int const error = close(AsFD(mHandle)) == 0 ? 0 : errno;
   mHandle = -1;
   if (error != 0 && error != EINTR) Fail(mTargetPath, error);
-  if (rename(mPath.c_str(), mTargetPath.c_str()) != 0) Fail(mTargetPath, errno);
+  if (rename(mPath.c_str(), mRealPath.c_str()) != 0) Fail(mTargetPath, errno);
   mIsCommitted = true;
-  SyncFolder(FolderOf(mTargetPath));
+  SyncFolder(FolderOf(mRealPath));
 }
 
 Sys_ExistingFile::Sys_ExistingFile(std::string const & iPath)

@@ -55,11 +55,12 @@ HANDLE OpenBeside(std::string const & iTargetPath, std::string & oPath) {
 
 }  // namespace
 
-Sys_NewFile::Sys_NewFile(std::string const & iTargetPath) : mTargetPath(iTargetPath), mHandle(-1) {
+Sys_NewFile::Sys_NewFile(std::string const & iTargetPath)
+    : mTargetPath(iTargetPath), mRealPath(iTargetPath), mHandle(-1) {
   DWORD const attributes = GetFileAttributesW(AsWide(iTargetPath).c_str());
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY))
     Fail(iTargetPath, ERROR_ACCESS_DENIED);
-  HANDLE const handle = OpenBeside(mTargetPath, mPath);
+  HANDLE const handle = OpenBeside(mRealPath, mPath);
   if (handle == INVALID_HANDLE_VALUE) Fail(iTargetPath, GetLastError());
   mHandle = reinterpret_cast<std::intptr_t>(handle);
 }
@@ -92,7 +93,7 @@ void Sys_NewFile::Commit() {
   if (!FlushFileBuffers(AsHandle(mHandle))) Fail(mTargetPath, GetLastError());
   CloseHandle();
   // Written through: the call returns when the folder is on the disk too.
-  if (!MoveFileExW(AsWide(mPath).c_str(), AsWide(mTargetPath).c_str(),
+  if (!MoveFileExW(AsWide(mPath).c_str(), AsWide(mRealPath).c_str(),
                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
     Fail(mTargetPath, GetLastError());
   mIsCommitted = true;
