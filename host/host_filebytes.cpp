@@ -36,12 +36,16 @@ std::vector<unsigned char> Host_LoadBytes(std::string const & iPath,
   }
 }
 
-void Host_SaveBytes(std::span<unsigned char const> iBytes, std::string const & iPath) {
+void Host_WriteBytes(Sys_TypedOutStream & ioStream, std::span<unsigned char const> iBytes) {
   constexpr size_t kBlock = 1 << 20;
-  Sys_FileOutStream stream(iPath);
   for (size_t at = 0; at < iBytes.size(); at += kBlock) {
     size_t const size = std::min(kBlock, iBytes.size() - at);
-    stream.WriteBlock(iBytes.data() + at, static_cast<int>(size));
+    ioStream.WriteBlock(iBytes.data() + at, static_cast<int>(size));
   }
+}
+
+void Host_SaveBytes(std::span<unsigned char const> iBytes, std::string const & iPath) {
+  Sys_FileOutStream stream(iPath);
+  Host_WriteBytes(stream, iBytes);
   stream.Close();
 }

@@ -1,6 +1,7 @@
 #include "host/host_midibars.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "foundation/time_convert.h"
 
@@ -9,7 +10,18 @@ namespace {
 constexpr long long kWholeNote = Time_Globals::kTicksPerBeat * 4;
 constexpr long long kMaxBar = 1ll << 30;  // keeps products within 64 bits
 
+bool IsByte(int iNumber) {
+  return iNumber >= 0 && iNumber <= 255;
+}
+
 }  // namespace
+
+bool Host_IsTimeSignature(Host_TimeSignature const & iSignature) {
+  return iSignature.mNumerator >= 1 && IsByte(iSignature.mNumerator) &&
+         iSignature.mDenominator >= 1 && iSignature.mDenominator <= 1024 &&
+         std::has_single_bit(static_cast<unsigned>(iSignature.mDenominator)) &&
+         IsByte(iSignature.mClocksPerClick) && IsByte(iSignature.mThirtySecondsPerBeat);
+}
 
 Host_BarMap::Host_BarMap() : Host_BarMap(std::vector<Host_TimeSignature>()) {}
 

@@ -9,12 +9,15 @@
 /// From mTime on, until the next one. mDenominator is a power of two, 1 to 1024.
 struct Host_TimeSignature {
   Time_Tick mTime;
-  int mNumerator;
+  int mNumerator;  // 1 to 255
   int mDenominator;
   int mTrack = 0;                 // where it stands in a MIDI file; it counts for all tracks
   int mClocksPerClick = 24;       // of the metronome, 24 to the quarter note; 0 to 255
   int mThirtySecondsPerBeat = 8;  // written for what MIDI calls a quarter note; 0 to 255
 };
+
+/// Whether its numbers keep to these bounds, which are those of MIDI files.
+bool Host_IsTimeSignature(Host_TimeSignature const & iSignature);
 
 /// A place in bars. Bars and beats count from 1, ticks within the beat from 0.
 struct Host_BarPosition {

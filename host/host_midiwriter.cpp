@@ -185,8 +185,7 @@ private:
     long long last = -1;
     for (Host_TimeSignature const & signature : mSong.mTimeSignatures) {
       unsigned const denominator = static_cast<unsigned>(signature.mDenominator);
-      if (signature.mNumerator < 1 || signature.mNumerator > 255 ||
-          !std::has_single_bit(denominator)) {
+      if (!Host_IsTimeSignature(signature)) {
         mReport.Count(kNotWritten_BadTimeSignature, -1, signature.mTime);
         continue;
       }

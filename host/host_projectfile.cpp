@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <utility>
 
 #include "cmn/cmn_assert.h"
@@ -13,8 +12,6 @@
 
 namespace {
 
-constexpr int kMaxTracks = 0xffff;  // of a MIDI file as well
-constexpr long long kMaxTick = 1ll << 60;
 constexpr std::string_view kChunkDamage = "Vrad_Chunk::StreamIn exception: ";
 constexpr std::string_view kOtherChunkDamage = "Unexpected exception";
 
@@ -90,19 +87,14 @@ private:
   // Memory follows what is read, whatever the count says.
   template <class TReadOne>
   void ReadMany(Sys_TypedInStream & ioStream, TReadOne iReadOne) {
-    for (int count = Get<int>(ioStream); count > 0; --count)
+    int count = Get<int>(ioStream);
+    if (!Check(count >= 0, "a count")) return;
+    for (; count > 0; --count)
       iReadOne();
   }
 
-  static bool IsTick(long long iTick) { return iTick >= 0 && iTick <= kMaxTick; }
-  static bool IsTrack(int iTrack) { return iTrack >= 0 && iTrack < kMaxTracks; }
-  static bool IsByte(int iNumber) { return iNumber >= 0 && iNumber <= 255; }
-
-  static bool IsMeter(Host_TimeSignature const & iMeter) {
-    return iMeter.mNumerator >= 1 && IsByte(iMeter.mNumerator) && iMeter.mDenominator >= 1 &&
-           iMeter.mDenominator <= 1024 &&
-           std::has_single_bit(static_cast<unsigned>(iMeter.mDenominator)) &&
-           IsByte(iMeter.mClocksPerClick) && IsByte(iMeter.mThirtySecondsPerBeat);
+  static Time_Tick GetTick(Sys_TypedInStream & ioStream) {
+    return Time_Tick(Get<long long>(ioStream));
   }
 
   void ReadHead(Sys_TypedInStream & ioStream) {
@@ -123,58 +115,56 @@ private:
 
   void ReadTempo(Sys_TypedInStream & ioStream) {
     ReadMany(ioStream, [&] {
-      long long const tick = Get<long long>(ioStream);
-      double const tempo = std::bit_cast<double>(Get<long long>(ioStream));
-      int const track = Get<int>(ioStream);
-      bool const isGood = IsTick(tick) && std::isfinite(tempo) && tempo > 0 && IsTrack(track);
-      if (!Check(isGood, "a tempo")) return;
-      mSong.mTempoChanges.push_back({Time_Tick(tick), tempo, track});
+      Host_TempoChange change{GetTick(ioStream), 0};
+      change.mBeatsPerMinute = std::bit_cast<double>(Get<long long>(ioStream));
+      change.mTrack = Get<int>(ioStream);
+      if (Check(Host_IsProjectTempo(change), "a tempo")) mSong.mTempoChanges.push_back(change);
     });
   }
 
   void ReadMeters(Sys_TypedInStream & ioStream) {
     ReadMany(ioStream, [&] {
-      Host_TimeSignature meter{Time_Tick(Get<long long>(ioStream)), 0, 0};
+      Host_TimeSignature meter{GetTick(ioStream), 0, 0};
       for (int * field : {&meter.mNumerator, &meter.mDenominator, &meter.mTrack,
                           &meter.mClocksPerClick, &meter.mThirtySecondsPerBeat}) {
         *field = Get<int>(ioStream);
       }
-      bool const isGood = IsTick(meter.mTime.AsInt64()) && IsMeter(meter) && IsTrack(meter.mTrack);
-      if (Check(isGood, "a time signature")) mSong.mTimeSignatures.push_back(meter);
+      bool const isGood = Check(Host_IsProjectMeter(meter), "a time signature");
+      if (isGood) mSong.mTimeSignatures.push_back(meter);
     });
   }
 
   void ReadKeys(Sys_TypedInStream & ioStream) {
     ReadMany(ioStream, [&] {
-      long long const tick = Get<long long>(ioStream);
-      int const numSharps = Get<int>(ioStream);
-      bool const isMinor = Get<bool>(ioStream);
-      int const track = Get<int>(ioStream);
-      bool const isGood = IsTick(tick) && numSharps >= -7 && numSharps <= 7 && IsTrack(track);
-      if (!Check(isGood, "a key signature")) return;
-      mSong.mKeySignatures.push_back({Time_Tick(tick), numSharps, isMinor, track});
+      Host_KeySignature key{GetTick(ioStream), 0, false};
+      key.mNumSharps = Get<int>(ioStream);
+      key.mIsMinor = Get<bool>(ioStream);
+      key.mTrack = Get<int>(ioStream);
+      if (Check(Host_IsProjectKey(key), "a key signature")) mSong.mKeySignatures.push_back(key);
     });
   }
 
   void ReadTrack(Sys_TypedInStream & ioStream) {
     int const number = Get<int>(ioStream);
-    long long const end = Get<long long>(ioStream);
+    Time_Tick const end = GetTick(ioStream);
     int const length = Get<int>(ioStream);
-    if (!Check(IsTrack(number), "a number") || !Check(IsTick(end), "an end") ||
+    if (!Check(Host_IsProjectTrack(number), "a number") ||
+        !Check(Host_IsProjectTick(end), "an end") ||
         !Check(length >= 0 && length <= ioStream.BytesLeft(), "a name")) {
       return;
     }
     std::string name(static_cast<size_t>(length), '\0');
     ioStream.ReadBlock(name.data(), length);
     MakeTracksUpTo(number);
-    mSong.mTracks[static_cast<size_t>(number)] = {name, Time_Tick(end)};
+    mSong.mTracks[static_cast<size_t>(number)] = {name, end};
     ++mNumTracksFound;
   }
 
   void ReadClip(Sys_TypedInStream & ioStream) {
     int const track = Get<int>(ioStream);
     int const channel = Get<int>(ioStream);
-    if (!Check(IsTrack(track), "a track") || !Check(channel >= -1 && channel <= 15, "a channel") ||
+    if (!Check(Host_IsProjectTrack(track), "a track") ||
+        !Check(Host_IsProjectChannel(channel), "a channel") ||
         !Check(mSong.mClips.size() < kHost_MaxStores, "a number of clips")) {
       return;
     }
@@ -232,7 +222,7 @@ private:
     if (!mHasLast) TellAtEnd("the end of the file is missing");
     TellNumber(mNumTracksFound, mNumTracks, "tracks");
     TellNumber(std::ssize(mSong.mClips), mNumClips, "clips");
-    MakeTracksUpTo(std::clamp(mNumTracks, 0, kMaxTracks) - 1);
+    MakeTracksUpTo(std::clamp(mNumTracks, 0, kHost_MaxProjectTracks) - 1);
     // What nothing else tells: a record that is gone without a trace, or stands there twice.
     if (mSong.mReport.GetNumProblems() == 0) TellNumber(mNumRecords, mNumRecordsWritten, "records");
   }

@@ -43,8 +43,9 @@ Host_Song Host_ReadProjectFile(std::string const & iPath,
                                Host_Progress const & iProgress = Host_Progress());
 
 /// The bytes of the file. The same song gives the same bytes.
-/// Fails: what the chunks throw that cannot be saved, Sys_StreamException when the song has a value
-///        outside of what its declaration says. std::bad_alloc.
+/// Fails: what the chunks throw that cannot be saved; Sys_StreamException when the song has a value
+///        outside of what its declaration says, more than 65535 tracks or kHost_MaxStores clips;
+///        std::bad_alloc.
 /// Thread: one at a time, as the song.
 std::vector<unsigned char> Host_WriteProjectFile(Host_Song const & iSong);
 

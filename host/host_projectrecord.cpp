@@ -6,6 +6,7 @@
 #include <boost/crc.hpp>
 
 #include "foundation/sys_stream.h"
+#include "host/host_filebytes.h"
 
 namespace {
 
@@ -43,10 +44,10 @@ void Host_WriteProjectRecord(Sys_MemoryOutStream & ioStream, char const * iTag, 
   headerStream.SetPos(static_cast<long long>(kHeaderSize - 8));
   headerStream.Write(static_cast<long long>(kSumsSize + iContents.size()));
   std::vector<unsigned char> const & header = headerStream.GetBytes();
-  ioStream.WriteBlock(header.data(), static_cast<int>(header.size()));
+  Host_WriteBytes(ioStream, header);
   ioStream.Write(static_cast<int>(SumOf(header)));
   ioStream.Write(static_cast<int>(SumOf(iContents)));
-  ioStream.WriteBlock(iContents.data(), static_cast<int>(iContents.size()));
+  Host_WriteBytes(ioStream, iContents);
 }
 
 bool Host_IsProjectRecord(Bytes iBytes) {

@@ -1,4 +1,5 @@
 #include <bit>
+#include <string>
 
 #include "foundation/sys_stream.h"
 #include "host/host_filebytes.h"
@@ -8,11 +9,14 @@
 
 namespace {
 
+constexpr size_t kMaxNameSize = 0x7fffffff;
+
 class Writer {
 public:
   explicit Writer(Host_Song const & iSong) : mSong(iSong) {}
 
   std::vector<unsigned char> Write() {
+    Need(mSong.mClips.size() <= kHost_MaxStores, "a number of clips");
     AddHead();
     AddTempo();
     AddMeters();
@@ -34,11 +38,20 @@ private:
     ++mNumRecords;
   }
 
+  // What a reader would leave out is refused while the song is still there. iName as in "a tempo".
+  static void Need(bool iIsGood, char const * iName) {
+    if (iIsGood) return;
+    throw Sys_StreamException(Sys_StreamException::kIO, std::string("a song that has ") + iName +
+                                                            " out of range can't be saved");
+  }
+
   static void WriteCount(Sys_TypedOutStream & ioOut, size_t iCount) {
     ioOut.Write(static_cast<int>(iCount));
   }
 
   void AddHead() {
+    Need(mSong.mHeader.mFormat >= 0 && mSong.mHeader.mFormat <= 2, "a format");
+    Need(Host_IsDivision(mSong.mHeader.mDivision), "a division");
     Add(kHost_ProjectHead, [this](Sys_TypedOutStream & out) {
       out.Write(mSong.mHeader.mFormat);
       out.Write(mSong.mHeader.mDivision);
@@ -52,6 +65,7 @@ private:
     Add(kHost_ProjectTempo, [this](Sys_TypedOutStream & out) {
       WriteCount(out, mSong.mTempoChanges.size());
       for (Host_TempoChange const & change : mSong.mTempoChanges) {
+        Need(Host_IsProjectTempo(change), "a tempo");
         out.Write(change.mTime.AsInt64());
         out.Write(std::bit_cast<long long>(change.mBeatsPerMinute));
         out.Write(change.mTrack);
@@ -63,6 +77,7 @@ private:
     Add(kHost_ProjectMeters, [this](Sys_TypedOutStream & out) {
       WriteCount(out, mSong.mTimeSignatures.size());
       for (Host_TimeSignature const & signature : mSong.mTimeSignatures) {
+        Need(Host_IsProjectMeter(signature), "a time signature");
         out.Write(signature.mTime.AsInt64());
         out.Write(signature.mNumerator);
         out.Write(signature.mDenominator);
@@ -77,6 +92,7 @@ private:
     Add(kHost_ProjectKeys, [this](Sys_TypedOutStream & out) {
       WriteCount(out, mSong.mKeySignatures.size());
       for (Host_KeySignature const & signature : mSong.mKeySignatures) {
+        Need(Host_IsProjectKey(signature), "a key signature");
         out.Write(signature.mTime.AsInt64());
         out.Write(signature.mNumSharps);
         out.Write(signature.mIsMinor);
@@ -88,6 +104,9 @@ private:
   void AddTrack(size_t iIndex) {
     Add(kHost_ProjectTrack, [&](Sys_TypedOutStream & out) {
       Host_MidiTrack const & track = mSong.mTracks[iIndex];
+      Need(iIndex < kHost_MaxProjectTracks, "a number of tracks");
+      Need(Host_IsProjectTick(track.mEnd), "an end of a track");
+      Need(track.mName.size() <= kMaxNameSize, "a name of a track");
       WriteCount(out, iIndex);
       out.Write(track.mEnd.AsInt64());
       WriteCount(out, track.mName.size());
@@ -96,6 +115,8 @@ private:
   }
 
   void AddClip(Host_Clip const & iClip) {
+    Need(Host_IsProjectTrack(iClip.mTrack), "a track of a clip");
+    Need(Host_IsProjectChannel(iClip.mChannel), "a channel of a clip");
     Add(kHost_ProjectClip, [&](Sys_TypedOutStream & out) {
       out.Write(iClip.mTrack);
       out.Write(iClip.mChannel);

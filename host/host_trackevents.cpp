@@ -51,6 +51,7 @@ public:
     ReadSysex();
     ReadValues();
     ReadNotes();
+    if (mIsEmpty) mReport.Count(kNotWritten_EmptyClip, mIndex, Time_Tick(0));
   }
 
 private:
@@ -58,6 +59,7 @@ private:
     Vrad_EventStream const * const stream = mClip.mChunk.Get()->GetEventStream();
     for (Vrad_EventStream_RangeIter iter(stream); iter.IsMore(); iter.Next()) {
       Vrae_TimedEvent const & event = iter.GetEvent();
+      mIsEmpty = false;
       if (event.mEvent.GetNumMessages() != 1) {
         mReport.Count(kNotWritten_BadEvent, mIndex, event.mTime);
         continue;
@@ -98,6 +100,7 @@ private:
   }
 
   void AddValue(Time_Typed iTime, Vrae_Event const & iEvent) {
+    mIsEmpty = false;
     std::array<unsigned char, 9> bytes;  // a program's are the most: two controllers and itself
     size_t numBytes = 0;
     int const numMessages = iEvent.GetNumMessages();
@@ -138,6 +141,7 @@ private:
 
   void AddNote(Vrad_NoteListBase_Note const & iNote) {
     Vrae_NoteWithDurationEvent const & event = iNote.mEvent;
+    mIsEmpty = false;
     if (iNote.mMuted) return mReport.Count(kNotWritten_MutedNote, mIndex, iNote.mTime);
     if (event.GetOnVelocity() == 0) {
       return mReport.Count(kNotWritten_SilentNote, mIndex, iNote.mTime);
@@ -150,6 +154,7 @@ private:
       return mReport.Count(kNotWritten_BadEvent, mIndex, iNote.mTime);
     }
     if (!ToTick(iNote.mTime, start) || !ToTick(endTime, end)) return;
+    if (end <= start) mReport.Count(kNotWritten_NoLength, mIndex, iNote.mTime);
     CountLostParts(iNote);
     CountMissingChannel(iNote.mTime);
     mTrack.mNotes.push_back({start, std::max(end, Time_Saturating::Add(start, 1)), mIndex,
@@ -194,6 +199,7 @@ private:
   Time_TempoMap const & mTempo;
   Host_TrackEvents & mTrack;
   Host_WriteReport & mReport;
+  bool mIsEmpty = true;
   bool mHasLoneBank = false;  // the latest program event has its program disabled
   Time_Typed mLoneBankTime;
 };

@@ -10,6 +10,8 @@ char const * GetName(Host_ENotWritten iWhat) {
     return "note without what it was before it was changed";
   case kNotWritten_CrossedNote:
     return "note that gets the end of another one of its pitch";
+  case kNotWritten_NoLength:
+    return "note of no length, which is read as one of 1 tick";
   case kNotWritten_SilentNote:
     return "note of velocity 0, left out";
   case kNotWritten_PitchFraction:
@@ -34,6 +36,8 @@ char const * GetName(Host_ENotWritten iWhat) {
     return "event of a clip without a channel, written on channel 0";
   case kNotWritten_SysexOfChannel:
     return "sysex of a channel, written without it";
+  case kNotWritten_EmptyClip:
+    return "clip without events, left out";
   case kNotWritten_SharedChannel:
     return "clip that becomes one with another of its track and channel";
   case kNotWritten_LongSysex:

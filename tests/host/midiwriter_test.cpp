@@ -4,6 +4,7 @@
 
 #include "host/host_midiwriter.h"
 #include "song_print.h"
+#include "support/golden_files.h"
 #include "vrad/vrad_extendedevent.h"
 
 namespace {
@@ -11,6 +12,7 @@ namespace {
 using midi::Bytes;
 using midi::File;
 using midi::Header;
+using midi::PrintNotKept;
 using midi::PrintNotWritten;
 using midi::PrintSong;
 using midi::Read;
@@ -83,6 +85,21 @@ TEST(Host_WriteMidiFile, KeepsFormatDivisionAndTracks) {
 TEST(Host_WriteMidiFile, TakesFormat1ForMoreTracksThanOne) {
   EXPECT_EQ(Rewritten(Header(0, 2, 480) + Track({}) + Track({})),
             Header(1, 2, 480) + Track({}) + Track({}));
+}
+
+TEST(Host_WriteMidiFile, HasTheBytesOfTheFileWrittenByHand) {
+  Bytes const golden = ReadGolden("midifile");
+  Host_Song const song = Read(golden);
+  EXPECT_THAT(PrintSong(song),
+              ElementsAre("division 480", "track 'Song' to 3840000", "track 'Piano' to 3840000",
+                          "0 in 0: tempo 120", "960000 in 0: tempo 100", "0 in 0: meter 6/8 36 8",
+                          "0 in 0: key -3 minor", "clip 0/-1", "0: sysex 7e 7f 09 01", "clip 1/2",
+                          "0: note 60 +480000 on 80 off 64", "480000: note 62 +480000 on 81 off 33",
+                          "960000: note 64 +1 on 82 off 64", "0: program 9 bank 3/4",
+                          "0: bend 8065", "10000: cc7 100", "10000: mono 50", "10000: poly 62 51"));
+  EXPECT_THAT(PrintNotKept(song), IsEmpty());
+  EXPECT_THAT(NotWritten(song), IsEmpty());
+  EXPECT_EQ(Write(song), golden);
 }
 
 TEST(Host_WriteMidiFile, KeepsNamesAndEnds) {
@@ -289,9 +306,10 @@ TEST(Host_WriteMidiFile, CountsSysexOfAChannel) {
 }
 
 TEST(Host_WriteMidiFile, CountsClipsOfOneChannel) {
-  OneClip one;
-  one.mSong.mClips.push_back(
-      {0, 0, Ndo_AutoPtr<Vrad_Chunk>(Vrad_Chunk::New(Ndo_Object::kUndoable, false))});
+  OneClip one, other;
+  one.Add(At(0), Vrae_ControllerEvent(7, 1));
+  other.Add(At(0), Vrae_ControllerEvent(7, 1));
+  one.mSong.mClips.push_back(std::move(other.mSong.mClips[0]));
   EXPECT_THAT(NotWritten(one.mSong),
               ElementsAre("1 clip that becomes one with another of its track and channel"));
 }
@@ -308,8 +326,29 @@ TEST(Host_WriteMidiFile, CountsBankSelectsThatAreReadOtherwise) {
                           "1 bank select that the next program change takes"));
 }
 
+TEST(Host_WriteMidiFile, CountsClipsThatHoldNothing) {
+  OneClip one;
+  EXPECT_EQ(Write(one.mSong), File({}));
+  EXPECT_THAT(NotWritten(one.mSong), ElementsAre("1 clip without events, left out"));
+}
+
+TEST(Host_WriteMidiFile, CountsNotesOfNoLength) {
+  OneClip one;
+  for (int length : {-1, 0, 1}) {
+    Vrae_NoteWithDurationEvent note(60, Time_TickLength(1), 80, 64);
+    note.mU.mNoteWithDuration.mDuration = length;
+    one.GetChunk().GetNoteList()->AddNote(
+        Vrad_NoteListBase_Note(At(2 + length), note, Time_TypedLength(), note, false));
+  }
+  EXPECT_EQ(Write(one.mSong),
+            File({1, 0x90, 60, 80, 0, 60, 0, 1, 60, 80, 0, 60, 0, 1, 60, 80, 0, 60, 0}));
+  EXPECT_THAT(NotWritten(one.mSong),
+              ElementsAre("2 note of no length, which is read as one of 1 tick"));
+}
+
 TEST(Host_WriteMidiFile, RoundsTempos) {
   OneClip one;
+  one.mSong.mClips.clear();
   one.mSong.mTempoChanges = {{Time_Tick(0), 120.0}, {At(1), 97.3}, {At(2), 1.0}};
   EXPECT_EQ(Write(one.mSong), File({0,    0xff, 0x51, 3, 0x07, 0xa1, 0x20, 1,    0xff, 0x51, 3,
                                     0x09, 0x68, 0xca, 1, 0xff, 0x51, 3,    0xff, 0xff, 0xff}));
@@ -318,6 +357,7 @@ TEST(Host_WriteMidiFile, RoundsTempos) {
 
 TEST(Host_WriteMidiFile, LeavesOutTempoWhereTicksArePartsOfAFrame) {
   OneClip one;
+  one.mSong.mClips.clear();
   one.mSong.mHeader.mDivision = 0xe728;
   one.mSong.mTempoChanges = {{Time_Tick(0), 120.0}};
   EXPECT_EQ(Write(one.mSong), Header(0, 1, 0xe728) + Track({}));
@@ -327,10 +367,13 @@ TEST(Host_WriteMidiFile, LeavesOutTempoWhereTicksArePartsOfAFrame) {
 
 TEST(Host_WriteMidiFile, LeavesOutSignaturesThatCannotBeSaid) {
   OneClip one;
-  one.mSong.mTimeSignatures = {{At(0), 256, 4}, {At(1), 0, 4}, {At(2), 4, 3}};
+  one.mSong.mClips.clear();
+  one.mSong.mTimeSignatures = {{At(0), 256, 4},         {At(1), 0, 4},  {At(2), 4, 3},
+                               {At(3), 4, 2048},        {At(4), 4, -4}, {At(5), 4, 4, 0, 256, 8},
+                               {At(6), 4, 4, 0, 24, -1}};
   one.mSong.mKeySignatures = {{At(0), 8, false}, {At(0), -8, false}};
   EXPECT_EQ(Write(one.mSong), File({}));
-  EXPECT_THAT(NotWritten(one.mSong), ElementsAre("3 time signature that MIDI cannot say, left out",
+  EXPECT_THAT(NotWritten(one.mSong), ElementsAre("7 time signature that MIDI cannot say, left out",
                                                  "2 key signature that MIDI cannot say, left out"));
 }
 

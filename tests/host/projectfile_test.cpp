@@ -303,6 +303,9 @@ INSTANTIATE_TEST_SUITE_P(
         {"MeterOfNoTrack", kHost_ProjectMeters, Meter(0, {4, 4, -1, 24, 8}), "a time signature"},
         {"MeterClicks", kHost_ProjectMeters, Meter(0, {4, 4, 0, 256, 8}), "a time signature"},
         {"MeterBeats", kHost_ProjectMeters, Meter(0, {4, 4, 0, 24, -1}), "a time signature"},
+        {"TemposBelowNone", kHost_ProjectTempo, Int(-1), "a count"},
+        {"MetersBelowNone", kHost_ProjectMeters, Int(-1), "a count"},
+        {"KeysBelowNone", kHost_ProjectKeys, Int(-0x7fffffff), "a count"},
         {"EarlyKey", kHost_ProjectKeys, Key(-1, 0, 0), "a key signature"},
         {"KeyOf8Sharps", kHost_ProjectKeys, Key(0, 8, 0), "a key signature"},
         {"KeyOf8Flats", kHost_ProjectKeys, Key(0, -8, 0), "a key signature"},
@@ -323,6 +326,45 @@ INSTANTIATE_TEST_SUITE_P(
         {"HeadOfNoFrameRate", kHost_ProjectHead, Ints({1, 0xff28, 0, 0, 0}), "a division"},
     }),
     [](testing::TestParamInfo<BadContents> const & iInfo) { return iInfo.param.mName; });
+
+struct BadSong {
+  char const * mWhat;  // as in "a tempo"
+  void (*mSpoil)(Host_Song &);
+};
+
+// What a reader would leave out is not written in the first place.
+TEST(Host_WriteProjectFile, RefusesASongWithValuesOutOfRange) {
+  BadSong const songs[] = {
+      {"a format", [](Host_Song & song) { song.mHeader.mFormat = 3; }},
+      {"a division", [](Host_Song & song) { song.mHeader.mDivision = 0; }},
+      {"a tempo",
+       [](Host_Song & song) {
+         song.mTempoChanges = {{Time_Tick(0), 0.0}};
+       }},
+      {"a tempo",
+       [](Host_Song & song) {
+         song.mTempoChanges = {{Time_Tick(-1), 60.0}};
+       }},
+      {"a tempo",
+       [](Host_Song & song) {
+         song.mTempoChanges = {{Time_Tick(0), std::nan("")}};
+       }},
+      {"a time signature", [](Host_Song & song) { song.mTimeSignatures[0].mDenominator = 2048; }},
+      {"a time signature", [](Host_Song & song) { song.mTimeSignatures[0].mTrack = 65535; }},
+      {"a key signature", [](Host_Song & song) { song.mKeySignatures[0].mNumSharps = 8; }},
+      {"a number of tracks", [](Host_Song & song) { song.mTracks.resize(65536, song.mTracks[0]); }},
+      {"an end of a track", [](Host_Song & song) { song.mTracks[0].mEnd = Time_Tick(-1); }},
+      {"a track of a clip", [](Host_Song & song) { song.mClips[0].mTrack = -1; }},
+      {"a channel of a clip", [](Host_Song & song) { song.mClips[0].mChannel = 16; }},
+  };
+  for (BadSong const & bad : songs) {
+    Host_Song song = MakeSong();
+    bad.mSpoil(song);
+    EXPECT_THAT([&] { Host_WriteProjectFile(song); },
+                testing::ThrowsMessage<Sys_StreamException>(
+                    "a song that has " + std::string(bad.mWhat) + " out of range can't be saved"));
+  }
+}
 
 TEST(Host_ReadProjectFile, TakesValuesAtTheEndsOfTheirRanges) {
   Bytes const records = Record(kHost_ProjectTempo, Tempo(1ll << 60, 5e-324, 65534)) +

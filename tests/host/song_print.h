@@ -92,8 +92,9 @@ inline std::vector<std::string> PrintFrame(Host_Song const & iSong) {
   return result;
 }
 
-inline std::vector<std::string> PrintSong(Host_Song const & iSong) {
-  std::vector<std::string> result = PrintFrame(iSong);
+/// All clips with all in them.
+inline std::vector<std::string> PrintMusic(Host_Song const & iSong) {
+  std::vector<std::string> result;
   auto const append = [&result](std::vector<std::string> const & iLines) {
     result.insert(result.end(), iLines.begin(), iLines.end());
   };
@@ -103,6 +104,13 @@ inline std::vector<std::string> PrintSong(Host_Song const & iSong) {
     append(PrintValues(*clip.mChunk.Get()));
     append(PrintSysexes(*clip.mChunk.Get()));
   }
+  return result;
+}
+
+inline std::vector<std::string> PrintSong(Host_Song const & iSong) {
+  std::vector<std::string> result = PrintFrame(iSong);
+  std::vector<std::string> const music = PrintMusic(iSong);
+  result.insert(result.end(), music.begin(), music.end());
   return result;
 }
 
