@@ -5,15 +5,25 @@ is installed, and compared message by message with the file that it came from.
 """
 import collections
 import os
+import re
+import signal
+import stat
 import subprocess
 import unittest
 
-from tool_case import DEMO, NOTES, ROOT, Tool
+from tool_case import DEMO, NOTES, ROOT, Tool, header, track
 
 try:
     import mido
 except ImportError:
     mido = None
+try:
+    import resource
+except ImportError:
+    resource = None
+
+# Nothing in it that a clip does not keep.
+GOOD = header(0, 1, 480) + track([0, 0x90, 60, 80], [10, 0x80, 60, 64])
 
 PACKAGE = "openttd-openmsx"
 
@@ -119,10 +129,19 @@ class Converting(Tool):
 
     def there_and_back(self, source):
         project, err = self.convert(source, "there.vrad")
-        self.assertEqual(err, "")
+        self.assertEqual(err, self.not_kept_of(source))
         back, err = self.convert(project, "back.mid")
         self.assertEqual(err, "")
         return project, back
+
+    def not_kept_of(self, source):
+        """What must be told of a MIDI file, by what `vrad info` says of it."""
+        status, out, err = self.run_tool("info", source)
+        self.assertEqual((status, err), (0, ""))
+        lines = re.findall(r"^ +(\d+)  (.*) \((first at offset 0x[0-9a-f]+)\)$", out, re.M)
+        self.assertEqual(bool(lines), "not kept in clips: nothing\n" not in out)
+        return "".join(f"vrad: {source}: not kept: {count} x {what}, {place}\n"
+                       for count, what, place in lines)
 
     def events_of(self, path):
         status, out, err = self.run_tool("events", path, "--as", "jsonl")
@@ -168,7 +187,9 @@ class Converting(Tool):
                     self.assertEqual(one.read(), other.read())
 
     def test_converts_to_its_own_kind(self):
-        project, back = self.there_and_back(self.write("notes.mid", NOTES))
+        source = self.write("notes.mid", NOTES)
+        self.assertIn("not kept: 1 x lyric, first at offset 0x", self.not_kept_of(source))
+        project, back = self.there_and_back(source)
         for source, target in ((project, "copy.vrad"), (back, "copy.mid")):
             copy, _ = self.convert(source, target)
             with open(copy, "rb") as one, open(source, "rb") as other:
@@ -186,6 +207,32 @@ class Converting(Tool):
         self.convert(source, "old.vrad")
         self.assertEqual(self.run_tool("check", old), (0, f"{old}: good, 2 clips\n", ""))
         self.assertEqual(sorted(os.listdir(self.folder)), ["notes.mid", "old.vrad"])
+
+    def test_converts_a_file_in_its_place(self):
+        source = self.write("notes.mid", NOTES)
+        events = self.events_of(source)
+        for _ in range(2):
+            self.convert(source, "notes.mid")
+            self.assertEqual(self.events_of(source), events)
+        self.assertEqual(os.listdir(self.folder), ["notes.mid"])
+
+    def test_goes_through_links(self):
+        source = self.write("notes.mid", NOTES)
+        for name, target in (("in.mid", source), ("out.vrad", self.write("real.vrad", b"old")),
+                             ("loose.vrad", os.path.join(self.folder, "made.vrad"))):
+            os.symlink(os.path.basename(target), os.path.join(self.folder, name))
+        for name, target in (("out.vrad", "real.vrad"), ("loose.vrad", "made.vrad")):
+            self.convert(os.path.join(self.folder, "in.mid"), name)
+            path = os.path.join(self.folder, name)
+            self.assertTrue(os.path.islink(path))
+            self.assertFalse(os.path.islink(os.path.join(self.folder, target)))
+            self.assertEqual(self.events_of(path), self.events_of(source))
+
+    def test_keeps_the_rights_of_an_old_file(self):
+        source, old = self.write("notes.mid", NOTES), self.write("old.vrad", b"old")
+        os.chmod(old, 0o640)
+        self.convert(source, "old.vrad")
+        self.assertEqual(os.stat(old).st_mode & 0o777, 0o640)
 
     def test_converts_what_is_whole_of_a_damaged_file(self):
         source = self.write("damaged.mid", NOTES[:-40])
@@ -220,27 +267,76 @@ class BadConversions(Tool):
                     f"vrad: {source}: offset 0x0: no record of a project is in it\n")
         self.assertEqual(os.listdir(self.folder), ["text.vrad"])
 
+    def test_a_source_whose_ending_is_wrong(self):
+        out = os.path.join(self.folder, "out.mid")
+        notes = self.write("notes.vrad", NOTES)
+        self.expect(["convert", notes, out], 1, "",
+                    f"vrad: {notes}: offset 0x0: no record of a project is in it; "
+                    "it is a MIDI file, whose name ends in .mid\n")
+        os.rename(notes, os.path.join(self.folder, "notes.mid"))
+        project = os.path.join(self.folder, "project.vrad")
+        self.run_tool("convert", os.path.join(self.folder, "notes.mid"), project)
+        wrong = os.path.join(self.folder, "project.mid")
+        os.rename(project, wrong)
+        self.expect(["convert", wrong, out], 1, "",
+                    f"vrad: {wrong}: offset 0x0: not a Standard MIDI File: it does not begin with "
+                    "MThd; it is a project, whose name ends in .vrad\n")
+        self.assertFalse(os.path.exists(out))
+
+    def test_a_source_that_is_empty_or_a_folder(self):
+        out = os.path.join(self.folder, "out.vrad")
+        for name, why in (("empty.mid", "offset 0x0: not a Standard MIDI File: it does not "
+                           "begin with MThd"),
+                          ("empty.vrad", "offset 0x0: no record of a project is in it")):
+            empty = self.write(name, b"")
+            self.expect(["convert", empty, out], 1, "", f"vrad: {empty}: {why}\n")
+        for name in ("folder.mid", "folder.vrad"):
+            folder = os.path.join(self.folder, name)
+            os.mkdir(folder)
+            self.expect(["convert", folder, out], 1, "", f"vrad: {folder}: Is a directory\n")
+        self.assertFalse(os.path.exists(out))
+
     def test_a_target_that_cannot_be_written(self):
-        source = self.write("notes.mid", NOTES)
+        source = self.write("good.mid", GOOD)
         for name in ("no/such/folder/out.vrad", "no/such/folder/out.mid"):
-            status, out, err = self.run_tool("convert", source, os.path.join(self.folder, name))
-            self.assertEqual((status, out), (1, ""))
-            self.assertIn("No such file or directory", err)
+            target = os.path.join(self.folder, name)
+            self.expect(["convert", source, target], 1, "",
+                        f"vrad: {target}: No such file or directory\n")
+
+    def test_a_device_as_target(self):
+        source = self.write("good.mid", GOOD)
+        for name in ("full.vrad", "full.mid"):
+            target = os.path.join(self.folder, name)
+            os.symlink("/dev/full", target)
+            self.expect(["convert", source, target], 1, "",
+                        f"vrad: {target}: Not a regular file\n")
+            self.assertTrue(os.path.islink(target))
+        self.assertTrue(stat.S_ISCHR(os.stat("/dev/full").st_mode))
+
+    @unittest.skipUnless(resource, "this system has no limits on files")
+    def test_a_full_disk(self):
+        source, old = self.write("good.mid", GOOD), self.write("old.vrad", b"old")
+        limit = lambda: (signal.signal(signal.SIGXFSZ, signal.SIG_IGN),
+                         resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100)))
+        self.assertEqual(self.run_tool("convert", source, old, preexec_fn=limit),
+                         (1, "", f"vrad: {old}: File too large\n"))
+        with open(old, "rb") as file:
+            self.assertEqual(file.read(), b"old")
+        self.assertEqual(sorted(os.listdir(self.folder)), ["good.mid", "old.vrad"])
 
     def test_a_folder_as_target(self):
-        source = self.write("notes.mid", NOTES)
+        source = self.write("good.mid", GOOD)
         target = os.path.join(self.folder, "folder.vrad")
         os.mkdir(target)
-        status, out, err = self.run_tool("convert", source, target)
-        self.assertEqual((status, out), (1, ""), err)
-        self.assertEqual(sorted(os.listdir(self.folder)), ["folder.vrad", "notes.mid"])
+        self.expect(["convert", source, target], 1, "", f"vrad: {target}: Is a directory\n")
+        self.assertEqual(sorted(os.listdir(self.folder)), ["folder.vrad", "good.mid"])
         self.assertEqual(os.listdir(target), [])
 
 
 class Checking(Tool):
     def make_project(self):
         project = os.path.join(self.folder, "notes.vrad")
-        self.expect(["convert", self.write("notes.mid", NOTES), project], 0, "")
+        self.assertEqual(self.run_tool("convert", self.write("notes.mid", NOTES), project)[0], 0)
         with open(project, "rb") as file:
             return project, file.read()
 
@@ -256,7 +352,7 @@ class Checking(Tool):
         damaged = bytearray(contents)
         damaged[at + 60] ^= 1
         path = self.write("damaged.vrad", damaged)
-        self.expect(["check", path], 1, f"{path}: 2 problems, 1 clips could be read\n",
+        self.expect(["check", path], 1, f"{path}: 2 problems, 1 clip could be read\n",
                     f"vrad: {path}: offset {at:#x}: record 'vradClip' is damaged\n"
                     f"vrad: {path}: offset {len(contents):#x}: 1 of 2 clips could be read\n")
 
@@ -303,7 +399,7 @@ class WhatAMidiFileCannotKeep(Tool):
     def test_is_listed(self):
         edited = os.path.join(self.folder, "muted.vrad")
         notes = self.write("notes.mid", NOTES)
-        self.expect(["convert", notes, edited], 0, "")
+        self.assertEqual(self.run_tool("convert", notes, edited)[0], 0)
         with open(edited, "rb") as file:
             contents = file.read()
         muted = os.path.join(self.folder, "muted.mid")

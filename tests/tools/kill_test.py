@@ -68,7 +68,7 @@ class KilledSaves(Tool):
             num_tried += 1
             self.assertIn(self.without_identities(self.read(self.project)), whole, num_tried)
             self.check_litter()
-        self.expect(["check", self.project], 0, f"{self.project}: good, 1 clips\n")
+        self.expect(["check", self.project], 0, f"{self.project}: good, 1 clip\n")
         print(f"{num_killed} of {num_tried} saves were killed, each taking {seconds:.3f} seconds")
         self.assertGreater(num_killed, num_tried / 4)
 

@@ -1,9 +1,12 @@
 #include "tools/vrad/command_check.h"
 
+#include <iterator>
+
 #include <CLI/CLI.hpp>
 
 #include "tools/vrad/tool_error.h"
 #include "tools/vrad/tool_load.h"
+#include "tools/vrad/tool_names.h"
 #include "tools/vrad/tool_output.h"
 
 namespace {
@@ -14,10 +17,10 @@ bool Check(std::string const & iPath, Tool_Output & ioOut) {
     Host_Song const song = Tool_ReadFile(iPath);
     Tool_TellProblems(iPath, song.mReport, false);
     long long const numProblems = song.mReport.GetNumProblems();
-    if (numProblems == 0) ioOut.Print("{}: good, {} clips\n", iPath, song.mClips.size());
+    std::string const clips = Tool_Plural(std::ssize(song.mClips), "clip");
+    if (numProblems == 0) ioOut.Print("{}: good, {}\n", iPath, clips);
     if (numProblems > 0) {
-      ioOut.Print("{}: {} problem{}, {} clips could be read\n", iPath, numProblems,
-                  numProblems == 1 ? "" : "s", song.mClips.size());
+      ioOut.Print("{}: {}, {} could be read\n", iPath, Tool_Plural(numProblems, "problem"), clips);
     }
     return numProblems == 0;
   } catch (Tool_InputError const & error) {

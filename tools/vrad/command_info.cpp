@@ -23,10 +23,6 @@ std::string GetTrackName(Host_Song const & iFile, int iTrack) {
   return Tool_MakePrintable(iFile.mTracks[static_cast<size_t>(iTrack)].mName, kMaxNameLength);
 }
 
-std::string Plural(long long iNumber, char const * iNoun) {
-  return fmt::format("{} {}{}", iNumber, iNoun, iNumber == 1 ? "" : "s");
-}
-
 void PrintFormat(Tool_Output & ioOut, Host_Song const & iFile) {
   Host_MidiTiming const & timing = iFile.mTiming;
   char const * const kind =
@@ -67,8 +63,8 @@ void PrintTempo(Tool_Output & ioOut, Host_Song const & iFile) {
                             [](Host_TempoChange const & iA, Host_TempoChange const & iB) {
                               return iA.mBeatsPerMinute < iB.mBeatsPerMinute;
                             });
-    ioOut.Print(" at first, {}, {} to {}", Plural(numLater, "change"), Round(low->mBeatsPerMinute),
-                Round(high->mBeatsPerMinute));
+    ioOut.Print(" at first, {}, {} to {}", Tool_Plural(numLater, "change"),
+                Round(low->mBeatsPerMinute), Round(high->mBeatsPerMinute));
   }
   ioOut.Print("\n");
 }
@@ -189,8 +185,9 @@ int Tool_InfoCommand::Run() const {
   PrintTempo(out, file);
   PrintTimeSignatures(out, file);
   PrintKeySignatures(out, file);
-  out.Print("  holds    {}, {}\n", Plural(static_cast<long long>(file.mTracks.size()), "track"),
-            Plural(static_cast<long long>(file.mClips.size()), "clip"));
+  out.Print("  holds    {}, {}\n",
+            Tool_Plural(static_cast<long long>(file.mTracks.size()), "track"),
+            Tool_Plural(static_cast<long long>(file.mClips.size()), "clip"));
   if (!file.mClips.empty()) PrintClips(out, file);
   PrintNotKept(out, file.mReport);
   PrintProblems(out, file.mReport);

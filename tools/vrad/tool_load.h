@@ -26,6 +26,12 @@ Host_Song Tool_LoadFile(std::string const & iPath);
 /// Fails: Tool_InputError; an old file is then as it was.
 void Tool_SaveFile(std::string const & iPath, Host_Song const & iSong);
 
+/// "PATH: what went wrong", also where the text begins with the path already.
+std::string Tool_TellPath(std::string const & iPath, std::string const & iText);
+
+/// Tells what the file holds and no clip keeps, a line for each kind.
+void Tool_TellNotKept(std::string const & iPath, Host_MidiReport const & iReport);
+
 /// Tells the problems found in reading, the losses alone or all, a line each.
 void Tool_TellProblems(std::string const & iPath, Host_MidiReport const & iReport,
                        bool iOnlyLosses);

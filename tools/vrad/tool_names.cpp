@@ -66,6 +66,10 @@ size_t Tool_GetNumChars(std::string const & iName) {
   return result;
 }
 
+std::string Tool_Plural(long long iNumber, char const * iNoun) {
+  return fmt::format("{} {}{}", iNumber, iNoun, iNumber == 1 ? "" : "s");
+}
+
 std::string Tool_GetKeyName(int iNumSharps, bool iIsMinor) {
   // Each a fifth above the one before. The minor key of the same signature lies three steps on.
   static constexpr char kLetters[] = "FCGDAEB";

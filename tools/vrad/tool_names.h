@@ -13,5 +13,8 @@ std::string Tool_EscapeForXML(std::string const & iName);
 /// In characters, not bytes. Needs: what `Tool_MakePrintable` gives.
 size_t Tool_GetNumChars(std::string const & iName);
 
+/// As in "1 clip" and "2 clips".
+std::string Tool_Plural(long long iNumber, char const * iNoun);
+
 /// As in "E-flat major". iNumSharps -7 to 7, below 0 flats.
 std::string Tool_GetKeyName(int iNumSharps, bool iIsMinor);
