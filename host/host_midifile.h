@@ -24,18 +24,14 @@
 // What is not kept is counted in the report by kind, and so is whatever could not be read.
 #pragma once
 
-#include <cstddef>
-#include <functional>
 #include <span>
 #include <string>
 
+#include "host/host_progress.h"
 #include "host/host_song.h"
 
 /// What reading one gives.
 typedef Host_Song Host_MidiFile;
-
-/// Told how far a long work is: so many of so many bytes.
-typedef std::function<void(size_t iNumDone, size_t iNumBytes)> Host_Progress;
 
 /// Reads a file from its bytes, which are not needed any more afterwards. Leaves no undo step, and
 /// neither uses nor changes the tempo map of the process. One pass; some 20 times the bytes in

@@ -12,6 +12,7 @@
 
 #include "foundation/time_typed.h"
 #include "host/host_midibars.h"
+#include "host/host_progress.h"
 
 class Vrad_Chunk;
 
@@ -52,8 +53,13 @@ Host_EPictureForm Host_GetPictureForm(std::string const & iPath);
 /// Fails: Host_PictureError when the size is out of bounds, too small for the clips, or the range
 ///        is empty; std::runtime_error when a text is not UTF-8; std::bad_alloc.
 /// Thread: as the chunks.
-std::string Host_DrawPicture(Host_Picture const & iPicture, Host_EPictureForm iForm);
+///
+/// `iProgress`, unless empty, is told at first, and after each clip that is looked through or
+/// drawn.
+std::string Host_DrawPicture(Host_Picture const & iPicture, Host_EPictureForm iForm,
+                             Host_Progress const & iProgress = Host_Progress());
 
 /// Draws into a file, in the form that its ending asks for. The file appears whole or not at all.
 /// Fails: also Sys_StreamException when it cannot be written.
-void Host_WritePicture(Host_Picture const & iPicture, std::string const & iPath);
+void Host_WritePicture(Host_Picture const & iPicture, std::string const & iPath,
+                       Host_Progress const & iProgress = Host_Progress());

@@ -417,21 +417,7 @@ not kept in clips: nothing
 
 
 class Progress(Tool):
-    def on_a_terminal(self, words, is_output_there=False):
-        """What the tool writes to a terminal, errors alone or what it prints too."""
-        terminal, end = os.openpty()
-        run = subprocess.Popen([TOOL, *words], stderr=end,
-                               stdout=end if is_output_there else subprocess.DEVNULL)
-        os.close(end)
-        text = b""
-        try:
-            while piece := os.read(terminal, 1 << 16):
-                text += piece
-        except OSError:
-            pass  # nobody holds the other end any more
-        os.close(terminal)
-        self.assertEqual(run.wait(timeout=120), 0)
-        return text.decode()
+    NO_BAR = "\r" + " " * 47 + "\r"
 
     def errors_on_a_terminal(self, num_bytes):
         """The same while it reads a file of at least so many bytes."""
@@ -440,16 +426,21 @@ class Progress(Tool):
                           track(sysex * (num_bytes // len(sysex) + 1)))
         return self.on_a_terminal(["info", path])
 
-    def many_notes(self, num):
-        return self.write("many.mid", header(0, 1, 480) + track(
-            b"\x01\x90\x3c\x50\x01\x90\x3c\x00" * num))
-
     def test_long_print_shows_a_bar_and_takes_it_away(self):
         path = self.many_notes(50000)
         for words in (["events"], ["wire"], ["scrub", "--from", "0t", "--to", "90000:1", "--back"]):
             text = self.on_a_terminal([*words, path, "--as", "jsonl"])
             self.assertIn("\r[" + "#" * 12 + " " * 28 + "]  30%", text)
-            self.assertTrue(text.endswith("\r" + " " * 47 + "\r"))
+            self.assertTrue(text.endswith(self.NO_BAR))
+
+    def test_long_dump_shows_a_bar_and_takes_it_away(self):
+        path = self.many_notes(50000)
+        for form in ("text", "xml"):
+            text = self.on_a_terminal(["dump", path, "--as", form])
+            self.assertIn("\r[" + " " * 40 + "]   0%", text)
+            self.assertRegex(text, r"\r\[#{28,31} {9,12}\]  7[0-9]%")
+            self.assertTrue(text.endswith(self.NO_BAR))
+        self.assertEqual(self.on_a_terminal(["dump", self.many_notes(5000)]), "")
 
     def test_short_print_shows_none(self):
         self.assertEqual(self.on_a_terminal(["events", self.many_notes(5000)]), "")

@@ -154,6 +154,18 @@ class Files(Picture):
             self.draw(path, "a.svg")
 
 
+class Progress(Picture):
+    def test_long_drawing_shows_a_bar_and_takes_it_away(self):
+        for name in ("a.png", "a.svg"):
+            text = self.on_a_terminal(["picture", self.many_notes(25000), self.path(name)])
+            for bar in ("\r[" + " " * 40 + "]   0%", "\r[" + "#" * 20 + " " * 20 + "]  50%"):
+                self.assertIn(bar, text)
+            self.assertTrue(text.endswith("\r" + " " * 47 + "\r"))
+
+    def test_short_drawing_shows_none(self):
+        self.assertEqual(self.on_a_terminal(["picture", DEMO, self.path("a.png")]), "")
+
+
 class Errors(Picture):
     def refuse(self, text, *options, name="a.svg"):
         self.expect_usage_error(["picture", self.two_notes(), self.path(name), *options],

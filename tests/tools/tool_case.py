@@ -64,6 +64,26 @@ class Tool(unittest.TestCase):
                               stderr=subprocess.PIPE, text=True, timeout=120, **more)
         return done.returncode, done.stdout, done.stderr
 
+    def on_a_terminal(self, words, is_output_there=False):
+        """What the tool writes to a terminal, errors alone or what it prints too."""
+        terminal, end = os.openpty()
+        run = subprocess.Popen([TOOL, *words], cwd=ROOT, stderr=end,
+                               stdout=end if is_output_there else subprocess.DEVNULL)
+        os.close(end)
+        text = b""
+        try:
+            while piece := os.read(terminal, 1 << 16):
+                text += piece
+        except OSError:
+            pass  # nobody holds the other end any more
+        os.close(terminal)
+        self.assertEqual(run.wait(timeout=120), 0)
+        return text.decode()
+
+    def many_notes(self, num):
+        return self.write("many.mid", header(0, 1, 480) + track(
+            b"\x01\x90\x3c\x50\x01\x90\x3c\x00" * num))
+
     def expect(self, words, status, out, err=""):
         self.assertEqual(self.run_tool(*words), (status, out, err))
 

@@ -16,6 +16,7 @@
 #include "tools/vrad/tool_names.h"
 #include "tools/vrad/tool_options.h"
 #include "tools/vrad/tool_position.h"
+#include "tools/vrad/tool_progress.h"
 
 namespace {
 
@@ -48,12 +49,17 @@ Time_Tick Resolve(std::string const & iOption, std::optional<std::string> const 
 }
 
 void Write(Host_Picture const & iPicture, std::string const & iPath) {
+  constexpr size_t kBytesPerNote = 100;  // of a file that takes as long to read
+  Tool_ProgressBar bar;
+  auto const progress = [&bar](size_t iNumDone, size_t iNumOfAll) {
+    bar.Show(iNumDone * kBytesPerNote, iNumOfAll * kBytesPerNote);
+  };
   try {
-    Host_WritePicture(iPicture, iPath);
+    Host_WritePicture(iPicture, iPath, progress);
   } catch (Host_PictureError const & error) {
     throw Tool_UsageError(fmt::format("{}: {}", iPath, error.what()));
   } catch (Sys_StreamException const & error) {
-    throw Tool_InputError(error.what());
+    throw Tool_InputError(Tool_TellPath(iPath, error.what()));
   } catch (std::bad_alloc const &) {
     throw Tool_InputError(fmt::format("{}: out of memory", iPath));
   }

@@ -2,27 +2,12 @@
 
 #include "tools/vrad/tool_clips.h"
 
-namespace {
-
-constexpr size_t kBytesPerNote = 100;  // of print, roughly
-
-size_t CountNotes(Host_Song const & iSong, int iClip) {
-  Host_Clip const & clip = iSong.mClips[static_cast<size_t>(iClip)];
-  return static_cast<size_t>(clip.mChunk->GetNoteList()->Size());
-}
-
-}  // namespace
-
 Tool_ClipPrinter::Tool_ClipPrinter(Host_Song const & iSong, bool iIsText)
-    : mSong(iSong), mBars(iSong.mTimeSignatures), mIsText(iIsText) {}
-
-void Tool_ClipPrinter::ShowProgress(std::vector<int> const & iClips) {
-  for (int const clip : iClips)
-    mNumNotes += CountNotes(mSong, clip);
-}
+    : mSong(iSong), mBars(iSong.mTimeSignatures), mIsText(iIsText), mProgress(iSong) {}
 
 void Tool_ClipPrinter::BeginClip(int iClip) {
   mNumExpected = mNumPrints = 0;
+  mProgress.BeginClip(iClip);
   Host_Clip const & clip = mSong.mClips[static_cast<size_t>(iClip)];
   mSource = {iClip, clip.mTrack, clip.mChannel};
   if (!mIsText) return;
@@ -54,14 +39,11 @@ void Tool_ClipPrinter::Print(Tool_PassedTransition const & iTransition) {
 
 void Tool_ClipPrinter::EndClip() {
   if (mIsText && mIsEmpty) mOut.Print("{:>14}\n", "nothing");
-  mNumNotesDone += CountNotes(mSong, mSource.mClip);
 }
 
 void Tool_ClipPrinter::CountPrint() {
   ++mNumPrints;
-  if (mNumNotes == 0 || mNumPrints % 1024 != 0 || mNumPrints > mNumExpected) return;
-  size_t const inClip = CountNotes(mSong, mSource.mClip) * mNumPrints / mNumExpected;
-  mBar.Show((mNumNotesDone + inClip) * kBytesPerNote, mNumNotes * kBytesPerNote);
+  if (mNumPrints % 1024 == 0) mProgress.Show(mNumPrints, mNumExpected);
 }
 
 void Tool_ClipPrinter::PrintHeading() {

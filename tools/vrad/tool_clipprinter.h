@@ -5,9 +5,9 @@
 
 #include "host/host_midibars.h"
 #include "host/host_song.h"
+#include "tools/vrad/tool_clipprogress.h"
 #include "tools/vrad/tool_event.h"
 #include "tools/vrad/tool_output.h"
-#include "tools/vrad/tool_progress.h"
 #include "tools/vrad/tool_scrub.h"
 #include "tools/vrad/tool_wire.h"
 #include "vrad/vrae_trackstate.h"
@@ -19,7 +19,7 @@ public:
   Tool_ClipPrinter(Host_Song const & iSong, bool iIsText);
 
   /// Shows progress while these clips are printed, unless they are short.
-  void ShowProgress(std::vector<int> const & iClips);
+  void ShowProgress(std::vector<int> const & iClips) { mProgress.Expect(iClips); }
 
   void BeginClip(int iClip);
   /// So many times `Print` follows for this clip. For the progress.
@@ -45,9 +45,7 @@ private:
   Tool_EventSource mSource{};
   Tool_Output mOut;
 
-  Tool_ProgressBar mBar{true};
-  size_t mNumNotes = 0;      // of the clips to print; 0: no progress is shown
-  size_t mNumNotesDone = 0;  // of those behind the present one
+  Tool_ClipProgress mProgress;
   size_t mNumExpected = 0, mNumPrints = 0;
 };
 

@@ -38,3 +38,8 @@ std::string Tool_DescribeClip(Host_MidiFile const & iFile, int iClip) {
   return fmt::format("clip {}: track {}, {}{}{}", iClip, clip.mTrack, channel,
                      name.empty() ? "" : ", ", name);
 }
+
+size_t Tool_CountNotes(Host_Song const & iSong, int iClip) {
+  Vrad_Chunk & chunk = *iSong.mClips[static_cast<size_t>(iClip)].mChunk.Get();
+  return static_cast<size_t>(chunk.GetNoteList()->Size());
+}

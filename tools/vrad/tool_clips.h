@@ -17,3 +17,5 @@ std::vector<int> Tool_SelectClips(std::optional<long long> iClip, int iNumClips)
 
 /// "clip 1: track 2, channel 0, Piano", printable whatever the track's name holds.
 std::string Tool_DescribeClip(Host_MidiFile const & iFile, int iClip);
+
+size_t Tool_CountNotes(Host_Song const & iSong, int iClip);
