@@ -181,21 +181,32 @@ bool Host_CheckedNotes::ReceiveNoteOff(int iPitch, int iVelocity) {
 }
 
 int Host_CheckedNotes::GetFit(int iPitch, int iVelocity, bool iIsOn) const {
-  enum EFit : int { kNot = -1, kPossible, kMayBeDue, kDue, kDueWithVelocity };
+  enum EFit : int { kNot = -1, kPossible, kMayBeDue, kIsDue, kWithVelocity };
   if (!iIsOn && mNumOn[static_cast<size_t>(iPitch)] == 0) return kNot;
-  auto numLeft = -std::count_if(mSent.begin(), mSent.end(), [=](Sent const & iSent) {
-    return iSent.mPitch == iPitch && iSent.mIsOn == iIsOn;
-  });
-  int best = kMayBeDue;
-  for (Due const & due : mDue) {
-    if (due.mPitch != iPitch || due.mIsOn != iIsOn) continue;
-    ++numLeft;
-    if (due.mMayGoOn || due.mIsOptional) continue;
-    best = std::max<int>(best, due.mVelocity == iVelocity ? kDueWithVelocity : kDue);
+  auto const hasVelocity = [iVelocity](Due const & iDue) {
+    return iDue.mVelocity == iVelocity || iDue.mVelocity == kAnyVelocity;
+  };
+  int best = !iIsOn && Count(iPitch).mFree > 0 ? kMayBeDue : kPossible;
+  for (Due const & due : FindLeft(iPitch, iIsOn)) {
+    int const fit = due.mMayGoOn || due.mIsOptional ? kMayBeDue : kIsDue;
+    best = std::max(best, hasVelocity(due) ? fit + kWithVelocity : fit);
   }
-  bool const mayEnd = !iIsOn && Count(iPitch).mFree > 0;
-  if (numLeft > 0) return best;
-  return mayEnd ? kMayBeDue : kPossible;
+  return best;
+}
+
+// What is due and has not been sent.
+std::vector<Host_CheckedNotes::Due> Host_CheckedNotes::FindLeft(int iPitch, bool iIsOn) const {
+  std::vector<Due> left;
+  for (Due const & due : mDue)
+    if (due.mPitch == iPitch && due.mIsOn == iIsOn) left.push_back(due);
+  for (Sent const & sent : mSent) {
+    if (sent.mPitch != iPitch || sent.mIsOn != iIsOn || left.empty()) continue;
+    auto const iter = std::find_if(left.begin(), left.end(), [&sent](Due const & iDue) {
+      return iDue.mVelocity == sent.mVelocity;
+    });
+    left.erase(iter == left.end() ? left.begin() : iter);
+  }
+  return left;
 }
 
 bool Host_CheckedNotes::FindStrikeTime(int iPitch, Time_Typed & oTime) const {

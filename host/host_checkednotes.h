@@ -132,6 +132,7 @@ private:
   static Due EndOf(int iPitch, int iOffVelocity, bool iMayGoOn);
   void EndRingingOf(int iPitch, bool iMayGoOn);
   Counts Count(int iPitch) const;
+  std::vector<Due> FindLeft(int iPitch, bool iIsOn) const;
   static bool FindPairs(Counts const & iCounts, int & oNumKept, int & oNumFree);
   static Host_NoteFlaw FindWrongNumber(Counts const & iCounts, std::string const & iNote,
                                        std::string const & iWhy);

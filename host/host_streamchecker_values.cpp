@@ -150,11 +150,11 @@ bool Host_StreamChecker::Impl::IsOneInForce(int iChannel, int iKey, Time_Typed i
 // Whether the receiver has what it may have at a time, on the way to the end of the sample.
 bool Host_StreamChecker::Impl::MayStandAt(int iChannel, int iKey, Time_Typed iTime,
                                           Clip const * iOwnP) const {
-  Value const * const allP = FindExpectedAt(iChannel, iKey, iTime, nullptr);
-  if (allP == nullptr && IsAtRest(iKey, mChannels[iChannel].mReceiver.GetValue(iKey))) return true;
-  if (allP != nullptr && IsInForce(iChannel, iKey, *allP)) return true;
-  Value const * const ownP = FindExpectedAt(iChannel, iKey, iTime, iOwnP);
-  if (ownP != nullptr && IsInForce(iChannel, iKey, *ownP)) return true;
+  bool const isAtRest = IsAtRest(iKey, mChannels[iChannel].mReceiver.GetValue(iKey));
+  for (Clip const * const clipP : {static_cast<Clip const *>(nullptr), iOwnP}) {
+    Value const * const valueP = FindExpectedAt(iChannel, iKey, iTime, clipP);
+    if (valueP != nullptr ? IsInForce(iChannel, iKey, *valueP) : isAtRest) return true;
+  }
   return IsOneInForce(iChannel, iKey, iTime, PositionAt(mOpenOffset));
 }
 

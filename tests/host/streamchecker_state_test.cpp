@@ -317,6 +317,15 @@ TEST_F(Host_StreamChecker_Values, OfClipsOnOneChannelTheLaterValueCounts) {
   EXPECT_EQ(V::kValue, Kind());
 }
 
+TEST_F(Host_StreamChecker_Values, AtOneTimeAClipsNoteMayComeBeforeTheValueOfAnother) {
+  AddNote(50, 60, 500);
+  mOther->AddEvent(Vrad_ExtendedEvent(Samples(50), Vrae_PolyPressureEvent(60, 9)));
+  mChecker.AddClip(mOther.Get(), 0, 2);
+  Start();
+  Block(64, {"50: 90 3c 64", "2/50: a0 3c 09"});
+  EXPECT_EQ("", Why());
+}
+
 TEST_F(Host_StreamChecker_Values, ParametersAreSelectedBeforeTheirData) {
   AddController(0, 101, 0);
   AddController(0, 100, 0);
