@@ -61,6 +61,7 @@ set(VRAD_HOST_HEADERS
   host/host_miditiming.h
   host/host_midiwriter.h
   host/host_notepool.h
+  host/host_progress.h
   host/host_projectfile.h
   host/host_song.h
   host/host_streamchecker.h
