@@ -211,8 +211,8 @@ RC_GTEST_PROP(Vrad_ScrubList_Properties, DoesAsTheSameRulesInAnArray, ()) {
   Vrad_ScrubList list;
   ArrayList expected;
   for (int i = *rc::gen::inRange(0, 80); i > 0; --i) {
-    int const what = *rc::gen::inRange(0, 20);
-    long long const time = *rc::gen::inRange(-3, 9);
+    int const what = *rc::gen::inRange(0, 14);
+    long long const time = *rc::gen::inRange(-2, 5);
     bool const isFromEnd = *rc::gen::arbitrary<bool>();
     if (what == 0) {
       list.Clear();

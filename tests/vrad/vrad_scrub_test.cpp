@@ -272,6 +272,15 @@ TEST(Vrad_ScrubList_AddNote, FirstNoteSoundingAtThePositionHasItsEndAhead) {
   EXPECT_EQ(MoveTo(list, 100), "end60@5");
 }
 
+// Its start goes in before there is an end.
+TEST(Vrad_ScrubList_AddNote, FirstNoteOfNoLengthAtThePositionLiesAhead) {
+  for (bool isFromEnd : {false, true}) {
+    Vrad_ScrubList list;
+    list.AddNote(ScrubNote(60, 0, 0), isFromEnd);
+    EXPECT_EQ(MoveTo(list, 1), "start60@0 end60@0") << isFromEnd;
+  }
+}
+
 TEST(Vrad_ScrubList_AddNote, FirstNotePassedLeavesTheCursorPastTheEnd) {
   Vrad_ScrubList list;
   list.AddNote(ScrubNote(60, -5, 5), false);
