@@ -127,6 +127,11 @@ TEST(Vrad_Chunk_LegacyMove, AtABoundaryThatIsTheFormerOne) {
   EXPECT_EQ(Moved({999, 1000}, 1000, 0), 1000);
 }
 
+TEST(Vrad_Chunk_LegacyMove, BetweenBoundariesLessThanAStepApartStaysBehindTheFirst) {
+  EXPECT_EQ(Moved({0, 500}, 250, 0), 0);
+  EXPECT_EQ(Moved({5000, 5500}, 5250, 0), 5000);
+}
+
 TEST(Vrad_Chunk_LegacyMove, OfANegativeLengthMovesUpward) {
   EXPECT_EQ(Moved({0, 10000}, 5000, -1500), 6000);
   EXPECT_EQ(Moved({0, 10000}, 10000, -1500), 11000);

@@ -130,6 +130,13 @@ TEST_F(Vrad_NoteList_Erase, SearchesTheWholeGroupForEachNoteOfOneTime) {
   EXPECT_EQ("61@0+10", Print(mList));
 }
 
+TEST_F(Vrad_NoteList_Erase, FindsTheNextEqualNoteBehindOnesThatStay) {
+  AddNotes(mList, {{61, 0, 10}, {60, 0, 10}, {62, 0, 10}, {60, 0, 10}});
+  AddNotes(mOther, {{60, 0, 10}, {60, 0, 10}});
+  mList.Erase(&mOther);
+  EXPECT_EQ("61@0+10 | 62@0+10", Print(mList));
+}
+
 TEST_F(Vrad_NoteList_Erase, KeepsNotesBehindTheLastTimeWalked) {
   AddNotes(mList, {{60, 0, 10}, {61, 0, 10}, {60, 5, 10}});
   AddNotes(mOther, {{60, 0, 10}});
