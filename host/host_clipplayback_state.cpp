@@ -155,8 +155,11 @@ void Host_ClipPlayback::ChaseProgram(Host_WireOutput & ioOutput, Host_PlayPositi
   Vrae_SubStream const program = Vrae_SubStream::Program();
   Vrae_ChaseTracker_ChasingEntry entry;
   if (!ioScratch.GetChasingEntry(&entry, program) || !entry.mIsActive) return;
+  Vrae_Event const event = program.MakeEvent(entry.mValue);
   if (!mIsEngaged || mIsProgramNew || !mPrograms.IsSame(iFrom, mAreValuesChased, iTo))
-    SendProgram(program.MakeEvent(entry.mValue), ioOutput, iTo);
+    SendProgram(event, ioOutput, iTo);
+  else
+    mTold.TrackEvent(event);  // events may differ and come to the same
   mIsProgramNew = false;
   ioScratch.ClearActiveFlag(program);
 }

@@ -83,8 +83,9 @@ struct Host_StreamViolation {
 /// Fails: std::bad_alloc.
 class Host_StreamChecker : public Host_BlockReceiver {
 public:
-  /// In the place of a clip's number: the one clip of the message's channel; where several share
-  /// the channel, the one in which the message is due.
+  /// In the place of a clip's number: the one clip of the message's channel. Where several share
+  /// the channel, the one in which the message is due; better say whose it is where they strike the
+  /// same pitches, as it may be due in two.
   static constexpr int kAnyClip = -1;
 
   /// Stands at sample 0, stopped, before a receiver of which nothing is known.
