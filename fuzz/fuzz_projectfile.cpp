@@ -28,8 +28,11 @@ typedef std::vector<unsigned char> Bytes;
 constexpr size_t kManyTracks = 100;
 
 // A store of one value takes a block of its own, where a file has some 70 bytes for it. At least:
-// tracks of which the file has the last alone, and the words about damage.
-constexpr long long kMemoryForEachByte = 64, kMemoryAtLeast = 4 * 1024 * 1024;
+// tracks of which the file has a late one and the last alone, so that the list of them grows from
+// nearly full to twice its size, and the words about damage.
+constexpr long long kMemoryForEachByte = 64;
+constexpr long long kMemoryForTracks = 3LL * 0xffff * sizeof(Host_MidiTrack);
+constexpr long long kMemoryAtLeast = kMemoryForTracks + 1024 * 1024;
 
 constexpr std::ptrdiff_t kHeaderSize = 19, kFrameSize = kHeaderSize + 8;
 constexpr unsigned char kBeginning[] = {8, 'v', 'r', 'a', 'd'};
