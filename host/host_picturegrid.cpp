@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr double kMinBarWidth = 6;  // pixels
+constexpr double kMinBarWidth = 12;  // pixels
 constexpr double kMinBeatWidth = 8;
 constexpr double kMinNumberWidth = 44;
 

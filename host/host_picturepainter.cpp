@@ -13,7 +13,8 @@ constexpr Host_PictureColour kInk = {31, 36, 48}, kGrey = {104, 112, 128};
 constexpr Host_PictureColour kFrame = {176, 182, 194};
 constexpr Host_PictureColour kWhiteRow = {255, 255, 255}, kBlackRow = {243, 244, 248};
 constexpr Host_PictureColour kOctaveLine = {222, 225, 232};
-constexpr Host_PictureColour kBeatLine = {234, 236, 241}, kBarLine = {203, 208, 219};
+constexpr Host_PictureColour kBeatLine = {234, 236, 241}, kBarLine = {219, 223, 231};
+constexpr Host_PictureColour kNumberedBarLine = {196, 202, 214};
 constexpr Host_PictureColour kLaneGround = {249, 250, 252}, kCurve = {22, 134, 120};
 constexpr Host_PictureColour kCurveArea = {205, 232, 227}, kRestLine = {196, 214, 212};
 constexpr Host_PictureColour kMark = {196, 112, 24};
@@ -181,12 +182,16 @@ void Host_PicturePainter::DrawRows(Host_PicturePanel const & iPanel) {
 }
 
 void Host_PicturePainter::DrawGrid(Host_PictureBox const & iBox) {
-  for (bool const isBar : {false, true}) {
+  auto const draw = [&](Host_PictureColour const & iColour, bool iIsBar, bool iIsNumbered) {
     for (Host_PictureGridLine const & line : mGrid) {
-      if ((line.mBar > 0) == isBar) mCanvas.AddBox({line.mX, iBox.mY, 1, iBox.mHeight});
+      if ((line.mBar > 0) == iIsBar && line.mIsNumbered == iIsNumbered)
+        mCanvas.AddBox({line.mX, iBox.mY, 1, iBox.mHeight});
     }
-    mCanvas.Fill(isBar ? kBarLine : kBeatLine);
-  }
+    mCanvas.Fill(iColour);
+  };
+  draw(kBeatLine, false, false);
+  draw(kBarLine, true, false);
+  draw(kNumberedBarLine, true, true);
 }
 
 void Host_PicturePainter::DrawNotes(size_t iPanel) {
@@ -198,16 +203,19 @@ void Host_PicturePainter::DrawNotes(size_t iPanel) {
     boxes[run.mVelocity].push_back(
         {run.mFirst, panel.GetY(run.mPitch, rowHeight), run.mLast - run.mFirst, height});
   for (auto const & [velocity, group] : boxes) {
-    Host_PictureColour const colour =
-        velocity == 0 ? kMutedGround : Host_GetVelocityColour(velocity);
-    DrawBoxes(group, colour, velocity == 0 ? kMutedEdge : Mix(colour, kInk, 0.35));
+    Host_PictureColour const colour = Host_GetVelocityColour(velocity);
+    if (velocity == 0)
+      DrawBoxes(group, kMutedGround, kMutedEdge, kMutedEdge);
+    else
+      DrawBoxes(group, colour, Mix(colour, kInk, 0.35), colour);
   }
 }
 
-// Boxes of some size have an edge.
+// Boxes of some size have an edge. Those that have none need a colour to be seen by.
 void Host_PicturePainter::DrawBoxes(std::vector<Host_PictureBox> const & iBoxes,
-                                    Host_PictureColour const & iColour,
-                                    Host_PictureColour const & iEdge) {
+                                    Host_PictureColour const & iInside,
+                                    Host_PictureColour const & iEdge,
+                                    Host_PictureColour const & iSmall) {
   auto const isEdged = [](Host_PictureBox const & iBox) {
     return iBox.mHeight >= kMinEdgedHeight && iBox.mWidth >= kMinEdgedWidth;
   };
@@ -215,10 +223,11 @@ void Host_PicturePainter::DrawBoxes(std::vector<Host_PictureBox> const & iBoxes,
     if (isEdged(box)) mCanvas.AddBox(box);
   mCanvas.Fill(iEdge);
   for (Host_PictureBox const & box : iBoxes)
-    mCanvas.AddBox(isEdged(box)
-                       ? Host_PictureBox{box.mX + 1, box.mY + 1, box.mWidth - 2, box.mHeight - 2}
-                       : box);
-  mCanvas.Fill(iColour);
+    if (isEdged(box)) mCanvas.AddBox({box.mX + 1, box.mY + 1, box.mWidth - 2, box.mHeight - 2});
+  mCanvas.Fill(iInside);
+  for (Host_PictureBox const & box : iBoxes)
+    if (!isEdged(box)) mCanvas.AddBox(box);
+  mCanvas.Fill(iSmall);
 }
 
 void Host_PicturePainter::DrawLane(Host_PictureBox const & iBox, Host_PictureLane const & iLane) {

@@ -25,8 +25,8 @@ private:
   void DrawRows(Host_PicturePanel const & iPanel);
   void DrawGrid(Host_PictureBox const & iBox);
   void DrawNotes(size_t iPanel);
-  void DrawBoxes(std::vector<Host_PictureBox> const & iBoxes, Host_PictureColour const & iColour,
-                 Host_PictureColour const & iEdge);
+  void DrawBoxes(std::vector<Host_PictureBox> const & iBoxes, Host_PictureColour const & iInside,
+                 Host_PictureColour const & iEdge, Host_PictureColour const & iSmall);
   void DrawLane(Host_PictureBox const & iBox, Host_PictureLane const & iLane);
   void DrawMarks(Host_PictureBox const & iBox, Host_PictureLane const & iLane);
   void DrawCurve(Host_PictureBox const & iBox, Host_PictureLane const & iLane,

@@ -119,6 +119,13 @@ TEST(Host_DrawPicture, DrawsAMutedNoteInGrey) {
   EXPECT_EQ(ColourOf(svg, PathOf(501, 151, 898, 157)), "228,231,237");
 }
 
+// Between rows of two greys an inside without an edge would not be seen.
+TEST(Host_DrawPicture, DrawsASmallMutedNoteInTheColourOfTheEdge) {
+  OneBar picture;
+  picture.Chunk().AddEvent(NoteAt(Ticks(960000), 60, 7200, true));  // 3 columns
+  EXPECT_EQ(ColourOf(picture.DrawSVG(), PathOf(500, 150, 503, 158)), "150,156,168");
+}
+
 TEST(Host_DrawPicture, IsAsLargeAsTold) {
   OneBar picture;
   picture.mPicture.mHeight = 234;

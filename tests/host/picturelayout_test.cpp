@@ -305,7 +305,7 @@ TEST(Host_FindPictureGrid, LeavesOutNarrowBeats) {
 TEST(Host_FindPictureGrid, ThinsOutNarrowBars) {
   PictureOfOneClip picture;
   picture.mPicture.mTo = Time_Tick(1000 * kBar);  // 1.6 columns to the bar
-  EXPECT_EQ(PrintGrid(picture.mPicture, picture.Layout(), 3), "100=1! 106=5 112=9");
+  EXPECT_EQ(PrintGrid(picture.mPicture, picture.Layout(), 3), "100=1! 112=9 125=17");
 }
 
 TEST(Host_FindPictureGrid, EndsSoonInAbsurdRanges) {
