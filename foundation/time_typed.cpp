@@ -63,6 +63,13 @@ long long Scale(long long iCount, double iFactor) {
   return ScaleExactly(iCount, iFactor);
 }
 
+// Saturates.
+long long Divide(long long iCount, int iDivisor) {
+  if (iDivisor == 0) return iCount > 0 ? kMax : iCount < 0 ? kMin : 0;
+  if (iDivisor == -1) return Time_Saturating::Subtract(0, iCount);
+  return iCount / iDivisor;
+}
+
 Cmn_XMLNodePtr MakeNode(std::string const & iName, long long iCount, Time_EType iType) {
   char const * const suffix = iType == Time_eType_Samples ? "s" : "t";
   return Cmn_CreateXMLNode(iName, std::to_string(iCount) + suffix);
@@ -129,15 +136,7 @@ Time_TypedLength operator*(Time_TypedLength iLength, double iFactor) {
 }
 
 Time_TypedLength operator/(Time_TypedLength iLength, int iDivisor) {
-  long long const count = iLength.AsInt64();
-  long long quotient = count;
-  if (iDivisor == 0)
-    quotient = count > 0 ? kMax : count < 0 ? kMin : 0;
-  else if (iDivisor == -1)
-    quotient = Time_Saturating::Subtract(0, count);
-  else
-    quotient = count / iDivisor;
-  return Time_TypedLength(quotient, iLength.GetType());
+  return Time_TypedLength(Divide(iLength.AsInt64(), iDivisor), iLength.GetType());
 }
 
 long long Time_TypedLength::GetRawDataForSave() const {
