@@ -176,7 +176,7 @@ void Time_TempoMap::SetTempoAt(Time_Tick iTick, double iBeatsPerMinute) {
   TablePtr tableP = isAppended ? formerP->MakeAppended(tick, iBeatsPerMinute, sSampleRate)
                                : MakeEdited(CopyNumbers(formerP), tick, iBeatsPerMinute);
   Publish(tableP.release());
-}  // NOLINT(*-NewDeleteLeaks): the map frees it when no reader is inside
+}  // NOLINT(*.NewDeleteLeaks): the map frees it when no reader is inside
 
 int Time_TempoMap::GetNumTempoChanges() const {
   return Reader(*this).GetNum();
