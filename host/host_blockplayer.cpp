@@ -2,16 +2,15 @@
 
 #include <algorithm>
 #include <optional>
-#include <utility>
 
 #include "host/host_playedclips.h"
 #include "host/host_playposition.h"
 
 namespace {
 
-// There is nothing to play before sample 0.
-long long SampleFrom0(Time_Typed iTime) {
-  return std::max(Host_PlayPosition::SampleOf(iTime), 0LL);
+// There is nothing to play before sample 0, and behind the last one there is room for any block.
+long long PlayedSample(Time_Typed iTime) {
+  return std::clamp(Host_PlayPosition::SampleOf(iTime), 0LL, Host_BlockPlayer::kLastSample);
 }
 
 }  // namespace
@@ -39,8 +38,9 @@ private:
   typedef Host_PlayedClips::EMove EMove;
 
   bool IsLooping() const { return mHasLoop && LoopStart() < LoopEnd(); }
-  long long LoopStart() const { return SampleFrom0(mLoopFrom); }
-  long long LoopEnd() const { return SampleFrom0(mLoopTo); }
+  long long LoopStart() const { return PlayedSample(mLoopFrom); }
+  long long LoopEnd() const { return PlayedSample(mLoopTo); }
+  bool MustWrap() const { return mIsWrapDue && IsLooping() && GetSample() >= LoopEnd(); }
 
   long long GetSample() const;
   void FollowTempo();
@@ -54,8 +54,8 @@ private:
 };
 
 Time_Sample Host_BlockPlayer::Impl::GetPosition() const {
-  if (mLocation) return Time_Sample(SampleFrom0(*mLocation));
-  return Time_Sample(mIsWrapDue && IsLooping() ? LoopStart() : GetSample());
+  if (mLocation) return Time_Sample(PlayedSample(*mLocation));
+  return Time_Sample(MustWrap() ? LoopStart() : GetSample());
 }
 
 void Host_BlockPlayer::Impl::Process(int iNumSamples) {
@@ -72,7 +72,7 @@ void Host_BlockPlayer::Impl::Process(int iNumSamples) {
 // Clips have been read up to a tick, so that is what stays when the tempo is another.
 long long Host_BlockPlayer::Impl::GetSample() const {
   bool const isAsBefore = Host_PlayPosition::At(mPosition.mSample).mTick == mPosition.mTick;
-  return isAsBefore ? mPosition.mSample : Host_PlayPosition::SampleOf(mPosition.mTick);
+  return isAsBefore ? mPosition.mSample : PlayedSample(mPosition.mTick);
 }
 
 void Host_BlockPlayer::Impl::FollowTempo() {
@@ -83,15 +83,16 @@ void Host_BlockPlayer::Impl::FollowTempo() {
 }
 
 void Host_BlockPlayer::Impl::ApplyCommands() {
-  bool const isWrapDue = std::exchange(mIsWrapDue, false) && IsLooping();
+  bool const mustWrap = MustWrap();
+  mIsWrapDue = false;
   if (!mLocation) {
-    if (isWrapDue)
+    if (mustWrap)
       Wrap();
     else
       Move(EMove::kNone, mPosition);
     return;
   }
-  auto const to = Host_PlayPosition::At(SampleFrom0(*mLocation));
+  auto const to = Host_PlayPosition::At(PlayedSample(*mLocation));
   mLocation.reset();
   if (to.mSample == mPosition.mSample)
     Move(EMove::kNone, mPosition);

@@ -11,12 +11,14 @@
 //   bend and pressures that are not at rest to 0. Nothing relies on "all notes off".
 // - A receiver is left with controllers other than the pedals, programs and parameters as they were
 //   last sent. Where the clip has no value at a position, a jump leaves what was sent before.
-// - At one time controllers come before note-offs and those before note-ons. Of controllers,
-//   selections of parameters come behind all plain ones, then their data, then steps.
+// - At one time controllers come before note-offs and those before note-ons, be they of several
+//   clips. Of a clip's controllers, selections of parameters come behind all plain ones, then their
+//   data, then steps.
 // - Notes of one pitch that overlap are struck and released one by one, as the clip has them.
 // - Notes of the clip that are muted, and notes found in audio (kind 22), are not played.
 // Positions are samples. Clips in ticks are read through the tempo map in force: when it is edited,
 // the musical position stays and the sample position moves, and sounding notes keep their tick.
+// What a clip holds in samples stays at its sample: it is met anew where the position moves to.
 #pragma once
 
 #include <memory>
@@ -34,7 +36,8 @@ enum class Host_ELoopPolicy : int {
 };
 
 /// One player feeds one receiver: clips of one channel share what stands on it, and of several
-/// clips that set one controller the later value counts.
+/// clips that set one controller the later value counts. A program is restored with the bank that
+/// its own clip has given.
 /// Needs: a `Host_NotePool`, or another pool of the host's for notes in progress, for as long as it
 /// lives.
 /// Thread: one at a time, commands and `Process` alike. What adds, edits or removes clips takes
@@ -42,6 +45,9 @@ enum class Host_ELoopPolicy : int {
 /// in the next block, at its first sample. Wrong use is ignored.
 class Host_BlockPlayer {
 public:
+  /// Positions behind this sample count as this one.
+  static constexpr long long kLastSample = 1LL << 60;
+
   /// Stands at sample 0, stopped. A receiver may be null: then nothing is sent.
   explicit Host_BlockPlayer(Host_BlockReceiver * iReceiverP);
   /// Sends nothing. To end what sounds, take the receiver away before.
@@ -91,7 +97,8 @@ public:
 
   /// Repeats [iFrom, iTo) once the position gets there; a position at or behind the end plays on.
   /// Bounds are taken to the sample in which they lie, anew with each block. A stretch shorter than
-  /// a sample does not loop.
+  /// a sample does not loop. Where it has come to the end of a loop and that is moved behind, it
+  /// plays on.
   void SetLoop(Time_Typed iFrom, Time_Typed iTo);
   void ClearLoop();
   void SetLoopPolicy(Host_ELoopPolicy iPolicy);
@@ -102,7 +109,7 @@ public:
 
   /// The next `iNumSamples`, 0 or more: 0 sends what is due at once. Stopped, it sends only what
   /// commands have left to send. Messages come in order of their offsets, at one offset in order of
-  /// time, then in the order in which the clips were added.
+  /// time, at one time as said above, then in the order in which the clips were added.
   /// Cost: O(log n) for each clip, and what is sent.
   void Process(int iNumSamples);
 
@@ -110,7 +117,9 @@ public:
   /// The sample that the next block begins with, within the loop while looping. Where a loop wraps
   /// at the very end of a block, what that sends comes with the next one.
   Time_Sample GetPosition() const;
-  /// Notes that were not struck since the pool for notes in progress was used up.
+  /// Notes that were not struck since the pool for notes in progress was used up. While a clip is
+  /// edited, and where it wraps with `kKeep`, its notes take twice their room; without it all of
+  /// them end and are struck again.
   int GetNumLostNotes() const;
 
 private:

@@ -50,8 +50,10 @@ bool ReadEvent(Vrae_Event const & iEvent, int & oKey, int & oValue) {
 }  // namespace
 
 long long Host_SampleOf(Time_Typed iTime) {
+  constexpr long long kFarOff = 1LL << 61;  // from where positions can be added and subtracted yet
   Time_Converter const * const converterP = Time_Convert::sTimeConverter;
-  return (converterP ? converterP->ToType(iTime, Time_eType_Samples) : iTime).AsInt64();
+  Time_Typed const time = converterP ? converterP->ToType(iTime, Time_eType_Samples) : iTime;
+  return std::clamp(time.AsInt64(), -kFarOff, kFarOff);
 }
 
 int Host_ParameterRank(int iKey) {

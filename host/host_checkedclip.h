@@ -8,7 +8,7 @@
 
 class Vrad_Chunk;
 
-/// The sample in which a time lies, at the tempo in force.
+/// The sample in which a time lies, at the tempo in force; no farther off than 2^61.
 long long Host_SampleOf(Time_Typed iTime);
 
 /// What a receiver keeps one value of: controllers by their number, and these.

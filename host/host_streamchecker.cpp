@@ -19,6 +19,11 @@ std::string HexOf(std::vector<unsigned char> const & iBytes) {
   return text + (iBytes.size() > kMaxShown ? " ..." : "");
 }
 
+// Positions before the first sample and behind the last one count as these.
+long long PlayedSample(Time_Typed iTime) {
+  return std::clamp(Host_SampleOf(iTime), 0LL, Host_BlockPlayer::kLastSample);
+}
+
 }  // namespace
 
 void Host_StreamChecker::Impl::Blame(Host_EViolation iKind, int iClip, int iChannel,
@@ -113,7 +118,7 @@ void Host_StreamChecker::Impl::SetMuted(int iClip, bool iIsMuted) {
 }
 
 void Host_StreamChecker::Impl::TempoChanged() {
-  mPosition = Host_SampleOf(mPositionTick);
+  mPosition = PlayedSample(mPositionTick);
   for (auto const & clipP : mClips) {
     clipP->mContents.ComputeSamples();
     clipP->mNotes.FreeRingingNotes(true);
@@ -127,16 +132,21 @@ bool Host_StreamChecker::Impl::IsLooping() const {
 }
 
 long long Host_StreamChecker::Impl::LoopStart() const {
-  return std::max(Host_SampleOf(mLoopFrom), 0LL);
+  return PlayedSample(mLoopFrom);
 }
 
 long long Host_StreamChecker::Impl::LoopEnd() const {
-  return Host_SampleOf(mLoopTo);
+  return PlayedSample(mLoopTo);
+}
+
+// It has come to the loop's end, and that has not been moved behind since.
+bool Host_StreamChecker::Impl::MustWrap() const {
+  return mIsWrapDue && IsLooping() && mPosition >= LoopEnd();
 }
 
 long long Host_StreamChecker::Impl::GetPosition() const {
-  if (mLocation) return std::max(Host_SampleOf(*mLocation), 0LL);
-  return mIsWrapDue && IsLooping() ? LoopStart() : mPosition;
+  if (mLocation) return PlayedSample(*mLocation);
+  return MustWrap() ? LoopStart() : mPosition;
 }
 
 void Host_StreamChecker::Impl::CheckPosition(long long iSample) {
@@ -180,10 +190,11 @@ void Host_StreamChecker::Impl::BeginBlock(int iNumSamples) {
   mLastOffset = mNextOffset = mRunOffset = 0;
   ApplyCommands();
   mRunPosition = mPosition;
-  if (std::exchange(mIsWrapDue, false) && IsLooping()) {
+  if (MustWrap()) {
     WrapAt(0);
     SetPosition(mRunPosition);
   }
+  mIsWrapDue = false;
   mLoops = mIsPlaying && IsLooping() && mPosition < LoopEnd();
   mLoopEnd = LoopEnd();
 }

@@ -95,7 +95,7 @@ public:
   Host_StreamChecker & operator=(Host_StreamChecker const &) = delete;
 
   // What the host does, as in `Host_BlockPlayer`. It takes effect in the next block. Positions
-  // before sample 0 count as sample 0.
+  // before sample 0 count as sample 0, those behind the last sample as that.
 
   /// The chunk is read here and by `ClipEdited` alone, and must live as long as that is called.
   /// False for a null chunk, a channel outside -1 to 15, or a number in use.

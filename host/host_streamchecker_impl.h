@@ -99,6 +99,7 @@ private:
   bool IsLooping() const;
   long long LoopStart() const;
   long long LoopEnd() const;
+  bool MustWrap() const;
   long long GetPosition() const;
   void SetPosition(long long iSample);
   void ApplyCommands();

@@ -138,3 +138,42 @@ TEST(Host_BlockPlayer_Loop, DoesNotStrikeAgainWhatAnEditLeavesSounding) {
   EXPECT_EQ("", rig.Play(16));
   EXPECT_EQ("8: 90 43 64 | 12: 80 43 0a", rig.Play(16));
 }
+
+// The block has ended where the loop did, so the way back was still due.
+TEST(Host_BlockPlayer_Loop, PlaysOnWhenItsEndIsMovedBehindThePosition) {
+  PlayerRig rig;
+  AddNote(rig.Chunk(), 20, 4, 60);
+  rig.mPlayer.SetLoop(AtSample(0), AtSample(16));
+  rig.PlayFrom(0, 16);
+  rig.mPlayer.SetLoop(AtSample(0), AtSample(32));
+  EXPECT_EQ(16, rig.mPlayer.GetPosition().AsInt64());
+  EXPECT_EQ("4: 90 3c 64 | 8: 80 3c 0a", rig.Play(16));
+  EXPECT_EQ(0, rig.mPlayer.GetPosition().AsInt64());
+}
+
+TEST(Host_BlockPlayer_Loop, DoesNotJumpToALoopThatLiesAhead) {
+  PlayerRig rig;
+  rig.mPlayer.SetLoop(AtSample(0), AtSample(16));
+  rig.PlayFrom(0, 16);
+  rig.mPlayer.SetLoop(AtSample(100), AtSample(200));
+  rig.Play(16);
+  EXPECT_EQ(32, rig.mPlayer.GetPosition().AsInt64());
+}
+
+TEST(Host_BlockPlayer_Loop, GoesBackWhenItsEndIsMovedBeforeThePosition) {
+  PlayerRig rig;
+  rig.mPlayer.SetLoop(AtSample(0), AtSample(16));
+  rig.PlayFrom(0, 16);
+  rig.mPlayer.SetLoop(AtSample(0), AtSample(8));
+  rig.Play(4);
+  EXPECT_EQ(4, rig.mPlayer.GetPosition().AsInt64());
+}
+
+TEST(Host_BlockPlayer_Loop, ThatIsTakenAwayAtItsEndLetsItPlayOn) {
+  PlayerRig rig;
+  rig.mPlayer.SetLoop(AtSample(0), AtSample(16));
+  rig.PlayFrom(0, 16);
+  rig.mPlayer.ClearLoop();
+  rig.Play(4);
+  EXPECT_EQ(20, rig.mPlayer.GetPosition().AsInt64());
+}
