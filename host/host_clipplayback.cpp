@@ -20,7 +20,7 @@ public:
       ++mNumInSamples;
   }
 
-  bool HasSamples() const { return mNumInSamples > 0; }
+  Host_TimeUnits GetUnits() const { return {!mPlaces.empty(), mNumInSamples > 0}; }
 
   // The most that a retrieval can find: in three neighbours, since it begins anywhere in the first
   // and is brought to whole samples, and whatever is in samples, since tempo moves that.
@@ -66,8 +66,10 @@ Density GetDensityIn(Vrad_Chunk & iChunk, Host_TimeRange const & iRange) {
   if (!isInTicks) return GetDensity(iChunk);
   Time_TickLength const margin(3 * Host_ClipPlayback::kMaxStretch);
   Density const density = GetDensity(iChunk, iRange.mFrom - margin, iRange.mTo + margin);
-  return density.HasSamples() ? GetDensity(iChunk) : density;
+  return density.GetUnits().mHasSamples ? GetDensity(iChunk) : density;
 }
+
+constexpr int kRankOfValue = 0, kRankOfNoteOff = 1, kRankOfNote = 2;
 
 bool IsNote(Vrae_TimedEvent const & iEvent) {
   return iEvent.mEvent.GetType() == Vrae_Event::kNoteWithDuration;
@@ -84,6 +86,14 @@ Vrae_NoteInProgress const * FindDue(Vrae_TrackState const & iNotes, Time_Typed i
   return noteP && noteP->mReleaseTime < iEnd ? noteP : nullptr;
 }
 
+// The first note that does not end before the time: another one goes in front of it.
+Vrae_NoteInProgress const * FindPlace(Vrae_TrackState const & iNotes, Time_Typed iEnd) {
+  Vrae_NoteInProgress const * noteP = iNotes.NextNoteOff();
+  while (noteP && noteP->mReleaseTime < iEnd)
+    noteP = noteP->mNextP;
+  return noteP;
+}
+
 bool ArePlayedAlike(Vrae_TimedEvent const & iA, Vrae_TimedEvent const & iB) {
   return iA.mTime == iB.mTime && iA.mEvent.GetPlaybackPriority() == iB.mEvent.GetPlaybackPriority();
 }
@@ -95,14 +105,22 @@ Host_ClipPlayback::Host_ClipPlayback(Vrad_Chunk * iChunkP, int iChannel, int iCl
 
 void Host_ClipPlayback::Prepare(Host_PlayPosition const & iPosition,
                                 std::optional<Host_TimeRange> const & iRange) {
-  Density density = iRange && !mHasSamples ? GetDensityIn(*mChunkP, *iRange) : GetDensity(*mChunkP);
+  bool const isPart = iRange && !mUnits.mHasSamples;
+  Density density = isPart ? GetDensityIn(*mChunkP, *iRange) : GetDensity(*mChunkP);
+  Host_TimeUnits units = density.GetUnits();
+  units.mHasTicks = units.mHasTicks || (isPart && mUnits.mHasTicks);
   Host_ParameterList parameters = Host_GetParameters(*mChunkP, mClip);
   Host_ProgramChase programs;
-  programs.Build(*mChunkP);
+  programs.Build(*mChunkP, units);
+  Host_SoundingNotes soundingNotes;
+  bool const areNotesAsBefore = isPart && !units.mHasSamples && mSoundingNotes.AsksTheList() &&
+                                soundingNotes.AreCopiesTrue(mChunkP->GetNoteList(), *iRange);
+  if (!areNotesAsBefore) soundingNotes.Build(mChunkP->GetNoteList(), units.mHasSamples);
   mEvents.reserve(density.GetMost());
   mIsProgramNew = mIsProgramNew || !programs.IsSame(mPrograms, iPosition);
   std::swap(mPrograms, programs);
-  mHasSamples = density.HasSamples();
+  std::swap(mSoundingNotes, soundingNotes);
+  mUnits = units;
   mParameters.swap(parameters);
 }
 
@@ -120,11 +138,13 @@ void Host_ClipPlayback::BeginStretch(Host_PlayStretch const & iStretch) {
   Vrae_Filter all;
   all.SetAll();
   Time_Typed const start = ClipTime(iStretch.mFrom);
-  mChunkP->GetMidiEventsInRange(&list, Time_TickLength(0), start, ClipTime(iStretch.mTo),
-                                Time_Typed::MinTime(Time_eType_Ticks),
-                                Time_Typed::MaxTime(Time_eType_Ticks), false,
-                                mAreValuesChased ? &mTold : nullptr, &Host_GetChaseMap(), all,
-                                nullptr, true, 0, kNoteOffInclusion_None);
+  // Values come out in the unit of the offset, notes in their own. Where all are in samples they
+  // are to stay beside each other.
+  Time_TypedLength const noOffset(0, !mUnits.mHasTicks ? Time_eType_Samples : Time_eType_Ticks);
+  mChunkP->GetMidiEventsInRange(
+      &list, noOffset, start, ClipTime(iStretch.mTo), Time_Typed::MinTime(Time_eType_Ticks),
+      Time_Typed::MaxTime(Time_eType_Ticks), false, mAreValuesChased ? &mTold : nullptr,
+      &Host_GetChaseMap(), all, nullptr, true, 0, kNoteOffInclusion_None);
   mAreValuesChased = false;
   // The retrieval begins with the sample in which the start lies. After a change of tempo that may
   // have been played in part.
@@ -155,16 +175,18 @@ bool Host_ClipPlayback::FindNext() {
 
   if (isEvent) {
     Vrae_TimedEvent const & event = mEvents[mNextEvent];
-    // At one time notes end behind continuous values and before others begin.
+    int const rank = IsNote(event) ? kRankOfNote : kRankOfValue;
     bool const isFirst = !noteP || event.mTime < noteP->mReleaseTime ||
-                         (event.mTime == noteP->mReleaseTime && !IsNote(event));
+                         (event.mTime == noteP->mReleaseTime && rank < kRankOfNoteOff);
     if (isFirst) {
       mNext = ENext::kEvent;
       mNextTime = event.mTime;
+      mNextRank = rank;
       return true;
     }
   }
   mNextTime = noteP->mReleaseTime;
+  mNextRank = kRankOfNoteOff;
   return true;
 }
 
@@ -191,19 +213,21 @@ void Host_ClipPlayback::SendNote(Vrae_TimedEvent const & iEvent, Host_WireOutput
   if (note.GetPitch() < 0 || note.GetOnVelocity() <= 0) return;
   if (Follow(Notes(), iEvent.mTime, note))
     Strike(note.GetPitch(), note.GetOnVelocity(), ioOutput, iEvent.mTime);
+  else
+    ++mNumLostNotes;
 }
 
-// A note that cannot be followed must not be struck, as nothing would end it.
+// A note that cannot be followed must not be struck, as nothing would end it. Asking for room first
+// spares a report; someone else may take it then.
 bool Host_ClipPlayback::Follow(Vrae_TrackState & ioNotes, Time_Typed iTime,
                                Vrae_NoteWithDurationEvent const & iNote) {
   Vrae_NoteInProgress * const roomP = Vrae_NoteInProgress::Alloc();
-  if (!roomP) {
-    ++mNumLostNotes;
-    return false;
-  }
+  if (!roomP) return false;
   roomP->Free();
+  Time_Typed const end = iTime + iNote.GetDuration();
+  Vrae_NoteInProgress const * const placeP = FindPlace(ioNotes, end);
   ioNotes.ReceiveEvent(Vrae_TimedEvent(iTime, iNote));
-  return true;
+  return FindPlace(ioNotes, end) != placeP;
 }
 
 void Host_ClipPlayback::Strike(signed char iPitch, signed char iVelocity,

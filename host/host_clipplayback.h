@@ -8,14 +8,13 @@
 #include "host/host_parameterchase.h"
 #include "host/host_playposition.h"
 #include "host/host_programchase.h"
+#include "host/host_soundingnotes.h"
 #include "host/host_wireoutput.h"
 #include "vrad/vrae_chasetracker.h"
 #include "vrad/vrae_timedevent.h"
 #include "vrad/vrae_trackstate.h"
 
 class Vrad_Chunk;
-class Vrad_NoteListBase;
-class Vrad_NoteListBase_Note;
 
 /// One clip of a player. A clip is engaged while the receiver is kept in its state: playing, not
 /// muted, not taken away.
@@ -79,17 +78,23 @@ public:
   void WrapNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
                  Host_PlayPosition const & iTo);
 
-  /// Follows a position that moves while time does not.
-  void MoveRinging(long long iNumSamples);
+  /// Follows a position that moves while time does not. What is in samples has moved against the
+  /// position then, and counts as edited.
+  void MovePosition(long long iNumSamples);
+  /// Brings what sounds into order of release again: with the tempo that of ticks and samples
+  /// changes. To be called before anything is done with it.
+  void SortNotes(Host_WireOutput & ioOutput, Time_Typed iTime);
 
-  /// Adds what the clip holds up to the position.
+  /// Adds what the clip holds up to the position. `iIsReached`: what comes there included.
   void AddChaseState(Vrae_ChaseTracker & ioTracker, Host_PlayPosition const & iPosition,
-                     bool iHasSelections) const;
+                     bool iHasSelections, bool iIsReached) const;
+  /// Whether what comes at the position has been sent.
+  bool AreValuesChased() const { return mAreValuesChased; }
   /// Whether the receiver was told this value for the clip.
   bool HasTold(Vrae_Event const & iEvent) const;
   /// The program that stands at the position, with its bank. `iEvent`: as the clip has it.
   void SendProgram(Vrae_Event const & iEvent, Host_WireOutput & ioOutput,
-                   Host_PlayPosition const & iPosition);
+                   Host_PlayPosition const & iPosition, bool iIsReached);
   void SendEvent(Vrae_Event const & iEvent, Host_WireOutput & ioOutput, Time_Typed iTime);
 
   // Playing a stretch, event by event.
@@ -99,6 +104,8 @@ public:
   /// Whether anything is left before the stretch's end, and when it comes.
   bool FindNext();
   Time_Typed GetNextTime() const { return mNextTime; }
+  /// At one time values come first, then note-offs, then notes.
+  int GetNextRank() const { return mNextRank; }
   void SendNext(Host_WireOutput & ioOutput);
   void EndStretch();
 
@@ -107,7 +114,7 @@ private:
 
   // What is in ticks is read tick by tick.
   Time_Typed ClipTime(Host_PlayPosition const & iPosition) const {
-    return iPosition.AsBound(mHasSamples);
+    return iPosition.AsBound(mUnits);
   }
   Host_WireOutput::Origin OriginAt(Time_Typed iTime) const { return {mClip, mChannel, iTime}; }
 
@@ -118,10 +125,10 @@ private:
               Time_Typed iTime);
   bool Follow(Vrae_TrackState & ioNotes, Time_Typed iTime,
               Vrae_NoteWithDurationEvent const & iNote);
-  void FindSounding(Host_PlayPosition const & iPosition, Vrae_TrackState & oNotes);
-  bool IsPlayed(Vrad_NoteListBase_Note const & iNote) const;
+  int FindSounding(Host_PlayPosition const & iPosition, Vrae_TrackState & oNotes);
   void RingOn(Vrae_NoteInProgress const & iNote, Host_WireOutput & ioOutput,
               Host_PlayPosition const & iFrom, Host_PlayPosition const & iTo);
+  void MoveRinging(long long iNumSamples);
   void TakeOtherNotes();
   void ChaseProgram(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
                     Host_PlayPosition const & iTo, Vrae_ChaseTracker & ioScratch);
@@ -135,13 +142,14 @@ private:
   int const mChannel;
   int const mClip;
   bool mIsEngaged = false;
-  bool mHasSamples = false;  // some event is not in ticks
+  Host_TimeUnits mUnits;  // of all events
 
   Vrae_TrackState mNotes[2];  // what sounds, and a spare one that is empty between calls
   int mCurrent = 0;
   Vrae_TrackState mRinging;  // what sounds from an earlier pass of a loop; ends in samples
   Vrae_ChaseTracker mTold;   // what the receiver was told for this clip
   Host_ParameterList mParameters;
+  Host_SoundingNotes mSoundingNotes;
   Host_ProgramChase mPrograms;
   bool mIsProgramNew = false;  // an edit has changed the one that stands
 
@@ -151,5 +159,6 @@ private:
   Host_PlayStretch mStretch;
   ENext mNext = ENext::kEvent;
   Time_Typed mNextTime;
+  int mNextRank = 0;
   int mNumLostNotes = 0;
 };

@@ -32,22 +32,9 @@ void ForgetParameters(Vrae_ChaseTracker & ioTracker) {
     ioTracker.ClearActiveFlag(Vrae_SubStream::Controller(number));
 }
 
-// The copies that the library keeps of long notes do not always know whether they are muted.
-bool IsMuted(Vrad_NoteListBase * iListP, Vrad_NoteListBase_Note const & iNote) {
-  Time_TypedLength const duration = iNote.mEvent.GetDuration();
-  if (iNote.mMuted || iListP->GetLongNoteList() == nullptr ||
-      duration < iListP->GetLongNoteDuration(duration.GetType()))
-    return iNote.mMuted;
-  Time_Typed end = iNote.mTime;
-  for (Vrad_NoteListBase::FullNotesInRangeIter iter(iListP, iNote.mTime, ++end); iter.IsMore();
-       ++iter) {
-    Vrae_NoteWithDurationEvent const & event = (*iter).mEvent;
-    if (event.GetPitch() == iNote.mEvent.GetPitch() && event.GetDuration() == duration &&
-        event.GetOnVelocity() == iNote.mEvent.GetOnVelocity() &&
-        event.GetOffVelocity() == iNote.mEvent.GetOffVelocity())
-      return (*iter).mMuted;
-  }
-  return false;
+bool IsPlayed(Vrae_NoteWithDurationEvent const & iNote) {
+  return iNote.GetType() == Vrae_Event::kNoteWithDuration && iNote.GetPitch() >= 0 &&
+         iNote.GetOnVelocity() > 0;
 }
 
 bool AreAlike(Vrae_NoteInProgress const & iA, Vrae_NoteInProgress const & iB) {
@@ -112,10 +99,11 @@ void Host_ClipPlayback::ForgetReceiver() {
 }
 
 void Host_ClipPlayback::AddChaseState(Vrae_ChaseTracker & ioTracker,
-                                      Host_PlayPosition const & iPosition,
-                                      bool iHasSelections) const {
-  mChunkP->AddChaseStateAtTime(&ioTracker, ClipTime(iPosition),
-                               Time_Typed::MinTime(Time_eType_Ticks));
+                                      Host_PlayPosition const & iPosition, bool iHasSelections,
+                                      bool iIsReached) const {
+  Time_Typed time = ClipTime(iPosition);
+  if (!iIsReached) time -= Time_TypedLength(1, time.GetType());
+  mChunkP->AddChaseStateAtTime(&ioTracker, time, Time_Typed::MinTime(Time_eType_Ticks));
   if (iHasSelections) ForgetParameters(ioTracker);
 }
 
@@ -133,7 +121,7 @@ void Host_ClipPlayback::ChaseValues(Host_WireOutput & ioOutput, Host_PlayPositio
   // Those come step by step, however often alike.
   if (iHasSelections) ForgetParameters(mTold);
   ioScratch.Clear();
-  AddChaseState(ioScratch, iTo, iHasSelections);
+  AddChaseState(ioScratch, iTo, iHasSelections, true);
   ChaseProgram(ioOutput, iFrom, iTo, ioScratch);
   mAreValuesChased = true;
   ClipReceiver receiver(*this, ioOutput, iTo.mTick);
@@ -156,40 +144,37 @@ void Host_ClipPlayback::ChaseProgram(Host_WireOutput & ioOutput, Host_PlayPositi
   Vrae_ChaseTracker_ChasingEntry entry;
   if (!ioScratch.GetChasingEntry(&entry, program) || !entry.mIsActive) return;
   Vrae_Event const event = program.MakeEvent(entry.mValue);
-  if (!mIsEngaged || mIsProgramNew || !mPrograms.IsSame(iFrom, mAreValuesChased, iTo))
-    SendProgram(event, ioOutput, iTo);
+  bool const hasMoved = mUnits.mHasSamples && !HasTold(event);  // by a change of tempo
+  if (!mIsEngaged || mIsProgramNew || hasMoved || !mPrograms.IsSame(iFrom, mAreValuesChased, iTo))
+    SendProgram(event, ioOutput, iTo, true);
   else
-    mTold.TrackEvent(event);  // events may differ and come to the same
+    mTold.TrackEvent(event);  // it may be written otherwise
   mIsProgramNew = false;
   ioScratch.ClearActiveFlag(program);
 }
 
 void Host_ClipPlayback::SendProgram(Vrae_Event const & iEvent, Host_WireOutput & ioOutput,
-                                    Host_PlayPosition const & iPosition) {
+                                    Host_PlayPosition const & iPosition, bool iIsReached) {
   ClipReceiver receiver(*this, ioOutput, iPosition.mTick);
-  mPrograms.Send(iPosition, receiver);
+  mPrograms.Send(iPosition, iIsReached, receiver);
   mTold.TrackEvent(iEvent);
   ioOutput.GetChannelState(mChannel).TrackEvent(iEvent);
 }
 
-bool Host_ClipPlayback::IsPlayed(Vrad_NoteListBase_Note const & iNote) const {
-  return iNote.mEvent.GetType() == Vrae_Event::kNoteWithDuration && iNote.mEvent.GetPitch() >= 0 &&
-         iNote.mEvent.GetOnVelocity() > 0 && !IsMuted(mChunkP->GetNoteList(), iNote);
-}
-
-void Host_ClipPlayback::FindSounding(Host_PlayPosition const & iPosition,
-                                     Vrae_TrackState & oNotes) {
-  Vrad_NoteListBase * const listP = mChunkP->GetNoteList();
-  if (!listP) return;
-  for (Vrad_NoteListBase::FullSustainingNoteIter iter(listP, ClipTime(iPosition)); iter.IsMore();
-       ++iter)
-    if (IsPlayed(*iter)) Follow(oNotes, (*iter).mTime, (*iter).mEvent);
+// Gives the number of those for which there was no memory.
+int Host_ClipPlayback::FindSounding(Host_PlayPosition const & iPosition, Vrae_TrackState & oNotes) {
+  int numLost = 0;
+  mSoundingNotes.ForEachAt(
+      mChunkP->GetNoteList(), ClipTime(iPosition), [&](Vrad_NoteListBase_Note const & iNote) {
+        if (IsPlayed(iNote.mEvent) && !Follow(oNotes, iNote.mTime, iNote.mEvent)) ++numLost;
+      });
+  return numLost;
 }
 
 void Host_ClipPlayback::StrikeNotes(Host_WireOutput & ioOutput,
                                     Host_PlayPosition const & iPosition) {
   mIsEngaged = true;
-  FindSounding(iPosition, Notes());
+  mNumLostNotes += FindSounding(iPosition, Notes());
   for (Vrae_NoteInProgress const * noteP = Notes().NextNoteOff(); noteP; noteP = noteP->mNextP)
     Strike(noteP->mPitch, noteP->mOnVelocity, ioOutput, iPosition.mTick);
 }
@@ -198,7 +183,12 @@ void Host_ClipPlayback::StrikeNotes(Host_WireOutput & ioOutput,
 // both: their ends have changed.
 void Host_ClipPlayback::ReconcileNotes(Host_WireOutput & ioOutput,
                                        Host_PlayPosition const & iPosition) {
-  FindSounding(iPosition, OtherNotes());
+  if (FindSounding(iPosition, OtherNotes()) > 0) {  // no room for what was and what is at once
+    OtherNotes().Clear();
+    EndNotes(Notes(), ioOutput, iPosition.mTick);
+    StrikeNotes(ioOutput, iPosition);
+    return;
+  }
   int numAfter[kNumPitches] = {}, numBefore[kNumPitches] = {};
   ForEachNotIn(Notes(), OtherNotes(),
                [&](Vrae_NoteInProgress const & iNote) { ++numAfter[iNote.mPitch]; });
@@ -216,7 +206,12 @@ void Host_ClipPlayback::ReconcileNotes(Host_WireOutput & ioOutput,
 void Host_ClipPlayback::WrapNotes(Host_WireOutput & ioOutput, Host_PlayPosition const & iFrom,
                                   Host_PlayPosition const & iTo) {
   MoveRinging(iTo.mSample - iFrom.mSample);
-  FindSounding(iTo, OtherNotes());
+  if (FindSounding(iTo, OtherNotes()) > 0) {  // no room for what was and what is at once
+    OtherNotes().Clear();
+    EndNotes(ioOutput, iFrom.mTick);
+    StrikeNotes(ioOutput, iTo);
+    return;
+  }
   ForEachNotIn(OtherNotes(), Notes(),
                [&](Vrae_NoteInProgress const & iNote) { RingOn(iNote, ioOutput, iFrom, iTo); });
   ForEachNotIn(Notes(), OtherNotes(), [&](Vrae_NoteInProgress const & iNote) {
@@ -236,11 +231,35 @@ void Host_ClipPlayback::RingOn(Vrae_NoteInProgress const & iNote, Host_WireOutpu
   if (!isFollowed) SendNoteOff(iNote, ioOutput, iFrom.mTick);
 }
 
+void Host_ClipPlayback::MovePosition(long long iNumSamples) {
+  MoveRinging(iNumSamples);
+  mIsEdited = mIsEdited || mUnits.mHasSamples;
+}
+
 void Host_ClipPlayback::MoveRinging(long long iNumSamples) {
   mRinging.OffsetTimes(Time_SampleLength(iNumSamples));
 }
 
 void Host_ClipPlayback::TakeOtherNotes() {
   Notes().Clear();
+  mCurrent = 1 - mCurrent;
+}
+
+void Host_ClipPlayback::SortNotes(Host_WireOutput & ioOutput, Time_Typed iTime) {
+  if (!mUnits.mHasSamples) return;
+  Vrae_NoteInProgress const * noteP = Notes().NextNoteOff();
+  while (noteP && noteP->mNextP && noteP->mReleaseTime <= noteP->mNextP->mReleaseTime)
+    noteP = noteP->mNextP;
+  bool const areSorted = !noteP || !noteP->mNextP;
+  if (areSorted) return;
+  while (Vrae_NoteInProgress const * const firstP = Notes().NextNoteOff()) {
+    Vrae_NoteInProgress const note = *firstP;
+    Notes().PopNoteOff();  // first, so that there is memory for it in its new place
+    Time_TypedLength const one(1, note.mReleaseTime.GetType());
+    bool const isFollowed =
+        Follow(OtherNotes(), note.mReleaseTime - one,
+               Vrae_NoteWithDurationEvent(note.mPitch, one, note.mOnVelocity, note.mOffVelocity));
+    if (!isFollowed) SendNoteOff(note, ioOutput, iTime);
+  }
   mCurrent = 1 - mCurrent;
 }

@@ -172,11 +172,10 @@ void Host_ParameterChase::End() {
   std::sort(mMessages.begin(), mMessages.end(), [](Message const & iA, Message const & iB) {
     return iA.mTime == iB.mTime ? iA.mSequence < iB.mSequence : iA.mTime < iB.mTime;
   });
-  mHasSamples = std::any_of(mMessages.begin(), mMessages.end(), [](Message const & iMessage) {
-    return iMessage.mTime.GetType() == Time_eType_Samples;
-  });
+  mUnits = Host_TimeUnits();
   Selection selection;
   for (Message & message : mMessages) {
+    mUnits.Add(message.mTime);
     Apply(message, selection);
     message.mSelection = selection;
   }
@@ -243,12 +242,12 @@ int Host_ParameterChase::PlaceIn(std::vector<Message> const & iMessages, Time_Ty
 }
 
 int Host_ParameterChase::GetPlace(Host_PlayPosition const & iPosition) const {
-  return PlaceIn(mMessages, iPosition.AsBound(mHasSamples));
+  return PlaceIn(mMessages, iPosition.AsBound(mUnits));
 }
 
 bool Host_ParameterChase::IsSameUpTo(Host_PlayPosition const & iPosition) const {
   int const place = GetPlace(iPosition);
-  return PlaceIn(mFormer, iPosition.AsBound(mHasSamples)) == place &&
+  return PlaceIn(mFormer, iPosition.AsBound(mUnits)) == place &&
          std::equal(mMessages.begin(), mMessages.begin() + place, mFormer.begin(),
                     [](Message const & iA, Message const & iB) {
                       return iA.mTime == iB.mTime && iA.mNumber == iB.mNumber &&

@@ -48,6 +48,8 @@ public:
 
   /// Whether anything is selected anywhere. Without it, 6, 38, 96 and 97 are plain controllers.
   bool HasSelections() const { return mHasSelections; }
+  /// Whether some message is not in ticks.
+  bool HasSamples() const { return mUnits.mHasSamples; }
   /// The number of messages before the position.
   int GetPlace(Host_PlayPosition const & iPosition) const;
   /// Whether the former list had the same messages before the position.
@@ -113,5 +115,5 @@ private:
   std::vector<Parameter> mParameters;
   std::vector<Due> mDue;  // empty between calls; room for all parameters
   bool mHasSelections = false;
-  bool mHasSamples = false;  // some message is not in ticks
+  Host_TimeUnits mUnits;  // of the messages
 };

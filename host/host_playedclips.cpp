@@ -15,7 +15,7 @@ public:
     for (auto const & clipP : mClips.mClips)
       if (mClips.IsOn(mChannel, *clipP) && mClips.IsWanted(*clipP) && clipP->HasTold(iEvent)) {
         if (iEvent.GetType() == Vrae_Event::kProgram)
-          clipP->SendProgram(iEvent, mClips.mOutput, mPosition);
+          clipP->SendProgram(iEvent, mClips.mOutput, mPosition, clipP->AreValuesChased());
         else
           clipP->SendEvent(iEvent, mClips.mOutput, mPosition.mTick);
         return;
@@ -48,12 +48,13 @@ bool Host_PlayedClips::Add(Vrad_Chunk * iChunkP, int iChannel, int iClip,
   DropAbandoned();
   auto clipP = std::make_unique<Host_ClipPlayback>(iChunkP, std::max(iChannel, 0), iClip);
   clipP->Prepare(iPosition);
-  mWaiting.reserve(mClips.size() + 1);
   int const channel = clipP->GetChannel();
+  ReserveParameters(channel, clipP->GetParameters().size());
+  mWaiting.reserve(mClips.size() + 1);
+  mClips.reserve(mClips.size() + 1);  // the last that can fail
   for (auto const & otherP : mClips)
     if (IsOn(channel, *otherP)) ChannelOf(*otherP).mIsShared = true;
   mClips.push_back(std::move(clipP));
-  ReserveParameters(channel);
   return true;
 }
 
@@ -61,7 +62,7 @@ void Host_PlayedClips::TakeEdit(Host_ClipPlayback & ioClip, Host_PlayPosition co
                                 std::optional<Host_TimeRange> const & iRange) {
   ioClip.mIsEdited = true;
   ioClip.Prepare(iPosition, iRange);
-  ReserveParameters(ioClip.GetChannel());
+  ReserveParameters(ioClip.GetChannel(), 0);
 }
 
 void Host_PlayedClips::Remove(Host_ClipPlayback & ioClip) {
@@ -77,13 +78,15 @@ void Host_PlayedClips::SetMuted(Host_ClipPlayback & ioClip, bool iIsMuted) {
 
 // One that still sounds stays until a block has ended it.
 void Host_PlayedClips::DropAbandoned() {
-  std::erase_if(mClips, [](std::unique_ptr<Host_ClipPlayback> const & iClipP) {
-    return iClipP->IsAbandoned() && !iClipP->IsEngaged();
+  std::erase_if(mClips, [this](std::unique_ptr<Host_ClipPlayback> const & iClipP) {
+    bool const isDropped = iClipP->IsAbandoned() && !iClipP->IsEngaged();
+    if (isDropped) mNumLostNotes += iClipP->GetNumLostNotes();
+    return isDropped;
   });
 }
 
-void Host_PlayedClips::ReserveParameters(int iChannel) {
-  size_t numMessages = 0;
+void Host_PlayedClips::ReserveParameters(int iChannel, size_t iNumMore) {
+  size_t numMessages = iNumMore;
   for (auto const & clipP : mClips)
     if (IsOn(iChannel, *clipP)) numMessages += clipP->GetParameters().size();
   Channel & channel = mChannels[static_cast<size_t>(iChannel)];
@@ -109,7 +112,7 @@ void Host_PlayedClips::SetReceiver(Host_BlockReceiver * iReceiverP,
 }
 
 int Host_PlayedClips::GetNumLostNotes() const {
-  int numNotes = 0;
+  int numNotes = mNumLostNotes;
   for (auto const & clipP : mClips)
     numNotes += clipP->GetNumLostNotes();
   return numNotes;
@@ -126,6 +129,7 @@ void Host_PlayedClips::BeginChange(Change const & iChange) {
   for (Channel & channel : mChannels)
     channel.mIsTouched = channel.mWasEngaged = false;
   for (auto const & clipP : mClips) {
+    clipP->SortNotes(mOutput, iChange.mFrom.mTick);
     Channel & channel = ChannelOf(*clipP);
     bool const mustLeave = clipP->IsEngaged() && !IsWanted(*clipP);
     if (mustLeave || MustEnter(*clipP, iChange.mMove)) channel.mIsTouched = true;
@@ -187,13 +191,14 @@ void Host_PlayedClips::EnterNotes(Host_ClipPlayback & ioClip, Change const & iCh
 }
 
 // Each clip has brought its own values. Where several set one value of the channel the latest
-// counts, whichever was sent last.
+// counts, whichever was sent last. What comes at the position is left to the block, unless the clip
+// has brought it.
 void Host_PlayedClips::ChaseSharedValues(int iChannel, Host_PlayPosition const & iPosition) {
   bool const hasSelections = mChannels[static_cast<size_t>(iChannel)].mParameters.HasSelections();
   mScratch.Clear();
   for (auto const & clipP : mClips)
     if (IsOn(iChannel, *clipP) && IsWanted(*clipP))
-      clipP->AddChaseState(mScratch, iPosition, hasSelections);
+      clipP->AddChaseState(mScratch, iPosition, hasSelections, clipP->AreValuesChased());
   ChannelReceiver receiver(*this, iChannel, iPosition);
   mScratch.DoUnMutedUpdate(&mOutput.GetChannelState(iChannel), &receiver);
 }
@@ -209,7 +214,9 @@ void Host_PlayedClips::ChaseParameters(int iChannel, Change const & iChange) {
 
 void Host_PlayedClips::MovePosition(long long iNumSamples) {
   for (auto const & clipP : mClips)
-    clipP->MoveRinging(iNumSamples);
+    clipP->MovePosition(iNumSamples);
+  for (Channel & channel : mChannels)
+    if (channel.mParameters.HasSamples()) channel.mIsStale = channel.mAreParametersNew = true;
 }
 
 void Host_PlayedClips::Play(Host_PlayStretch const & iStretch, int iOffset) {
@@ -221,12 +228,14 @@ void Host_PlayedClips::Play(Host_PlayStretch const & iStretch, int iOffset) {
     if (clip.FindNext()) mWaiting.push_back({&clip, i});
   }
   std::make_heap(mWaiting.begin(), mWaiting.end());
-  long long const start = iStretch.mFrom.mSample, last = iStretch.mTo.mSample - 1;
+  long long const last = iStretch.mTo.mSample - 1;
+  long long start = iStretch.mFrom.mSample;
   while (!mWaiting.empty()) {
     std::pop_heap(mWaiting.begin(), mWaiting.end());
     Host_ClipPlayback & clip = *mWaiting.back().mClipP;
-    long long const sample = Host_PlayPosition::SampleOf(clip.GetNextTime());
-    mOutput.SetOffset(iOffset + static_cast<int>(std::clamp(sample, start, last) - start));
+    // A note of the clip's may end before it begins.
+    start = std::clamp(Host_PlayPosition::SampleOf(clip.GetNextTime()), start, last);
+    mOutput.SetOffset(iOffset + static_cast<int>(start - iStretch.mFrom.mSample));
     clip.SendNext(mOutput);
     if (clip.FindNext()) {
       std::push_heap(mWaiting.begin(), mWaiting.end());

@@ -50,7 +50,7 @@ public:
   /// edited, muted or taken away since.
   void Apply(Change const & iChange);
 
-  /// The position has moved by that much, and time has not.
+  /// The position has moved, and time has not.
   void MovePosition(long long iNumSamples);
 
   /// What the stretch holds. `iOffset`: of its first sample.
@@ -69,14 +69,17 @@ private:
     bool mAreParametersNew = false;  // before the position; so all are to be sent
   };
 
-  // A clip with something left in a stretch. Of equal times the clip that was added first comes
-  // first.
+  // A clip with something left in a stretch. Of equal times the values of all clips come first, as
+  // a note that ends must not end one that another clip of the channel begins; else the clip that
+  // was added first.
   struct Waiting {
     Host_ClipPlayback * mClipP;
     size_t mPlace;
     bool operator<(Waiting const & iOther) const {  // later is less, for the standard heap
       Time_Typed const time = mClipP->GetNextTime(), other = iOther.mClipP->GetNextTime();
-      return time == other ? iOther.mPlace < mPlace : other < time;
+      if (time != other) return other < time;
+      int const rank = mClipP->GetNextRank(), otherRank = iOther.mClipP->GetNextRank();
+      return rank == otherRank ? iOther.mPlace < mPlace : otherRank < rank;
     }
   };
 
@@ -99,7 +102,7 @@ private:
   }
 
   void DropAbandoned();
-  void ReserveParameters(int iChannel);
+  void ReserveParameters(int iChannel, size_t iNumMore);
   void MergeParameters(int iChannel);
   void BeginChange(Change const & iChange);
   void LeaveStates(Change const & iChange);
@@ -114,4 +117,5 @@ private:
   std::array<Channel, Host_WireOutput::kNumChannels> mChannels;
   Vrae_ChaseTracker mScratch;
   bool mShallPlay = false;
+  int mNumLostNotes = 0;  // of clips that were taken away
 };

@@ -3,6 +3,14 @@
 
 #include "foundation/time_typed.h"
 
+/// The units of some times.
+struct Host_TimeUnits {
+  bool mHasTicks = false, mHasSamples = false;
+  void Add(Time_Typed iTime) {
+    (iTime.GetType() == Time_eType_Samples ? mHasSamples : mHasTicks) = true;
+  }
+};
+
 /// A sample, and the tick up to which clips have been read when it is reached.
 struct Host_PlayPosition {
   long long mSample = 0;
@@ -19,9 +27,10 @@ struct Host_PlayPosition {
   }
 
   /// As a bound for what clips hold: a tick, or the sample where they hold times in samples, as a
-  /// tick may lie beside these.
-  Time_Typed AsBound(bool iHasSamples) const {
-    return iHasSamples ? Time_Typed(Time_Sample(mSample)) : mTick;
+  /// tick may lie beside these. After a change of tempo a tick may lie in the midst of the sample.
+  Time_Typed AsBound(Host_TimeUnits iUnits) const {
+    bool const isSample = iUnits.mHasSamples && (!iUnits.mHasTicks || At(mSample).mTick == mTick);
+    return isSample ? Time_Typed(Time_Sample(mSample)) : mTick;
   }
 };
 

@@ -5,9 +5,8 @@
 #include "vrad/vrad_chunk.h"
 #include "vrad/vrae_substream.h"
 
-void Host_ProgramChase::Build(Vrad_Chunk const & iChunk) {
+void Host_ProgramChase::Build(Vrad_Chunk const & iChunk, Host_TimeUnits iUnits) {
   std::vector<State> states;
-  bool hasSamples = false;
   State state;
   for (Ndo_Ptr<Vrad_ContinuousDataStream> const & streamP : iChunk.GetContinuousList()) {
     if (streamP->GetSubStream() != Vrae_SubStream::Program()) continue;
@@ -24,20 +23,18 @@ void Host_ProgramChase::Build(Vrad_Chunk const & iChunk) {
         state.mLSB = state.mNextLSB;
       }
       states.push_back(state);
-      hasSamples = hasSamples || event.mTime.GetType() == Time_eType_Samples;
     }
   }
   mStates.swap(states);
-  mHasSamples = hasSamples;
+  mUnits = iUnits;
 }
 
 Host_ProgramChase::State Host_ProgramChase::GetState(Host_PlayPosition const & iPosition,
                                                      bool iIsPlayed) const {
-  Time_Typed const bound = iPosition.AsBound(mHasSamples);
+  Time_Typed end = iPosition.AsBound(mUnits);
+  if (iIsPlayed) ++end;  // as values are chased: up to the end of the tick or sample
   auto const next = std::partition_point(
-      mStates.begin(), mStates.end(), [bound, iIsPlayed](State const & iState) {
-        return iState.mTime < bound || (iIsPlayed && iState.mTime == bound);
-      });
+      mStates.begin(), mStates.end(), [end](State const & iState) { return iState.mTime < end; });
   return next == mStates.begin() ? State() : *(next - 1);
 }
 
@@ -52,9 +49,9 @@ Vrae_ProgramEvent Host_ProgramChase::MakeEvent(int iProgram, int iMSB, int iLSB)
   return event;
 }
 
-void Host_ProgramChase::Send(Host_PlayPosition const & iPosition,
+void Host_ProgramChase::Send(Host_PlayPosition const & iPosition, bool iIsReached,
                              Vrae_EventReceiver & iOutput) const {
-  State const state = GetState(iPosition);
+  State const state = GetState(iPosition, iIsReached);
   if (state.mProgram != kUnknown)
     iOutput.ReceiveEvent(MakeEvent(state.mProgram, state.mMSB, state.mLSB));
   int const nextMSB = state.mNextMSB == state.mMSB ? kUnknown : state.mNextMSB;

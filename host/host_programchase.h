@@ -15,12 +15,14 @@ class Vrad_Chunk;
 /// Thread: one at a time. `Build` takes memory, nothing else does.
 class Host_ProgramChase {
 public:
+  /// `iUnits`: of all times of the clip, by which positions are looked at.
   /// Fails: std::bad_alloc; the former contents stay.
-  void Build(Vrad_Chunk const & iChunk);
+  void Build(Vrad_Chunk const & iChunk, Host_TimeUnits iUnits);
 
   /// Sends what selects the program that stands at the position: all its parts that are known,
-  /// then the bank given since.
-  void Send(Host_PlayPosition const & iPosition, Vrae_EventReceiver & iOutput) const;
+  /// then the bank given since. `iIsReached`: what comes there counts.
+  void Send(Host_PlayPosition const & iPosition, bool iIsReached,
+            Vrae_EventReceiver & iOutput) const;
   /// Whether one position leaves what the other one selects. `iIsLeftPlayed`: what comes at the one
   /// that is left has been sent.
   bool IsSame(Host_PlayPosition const & iLeft, bool iIsLeftPlayed,
@@ -42,5 +44,5 @@ private:
   static Vrae_ProgramEvent MakeEvent(int iProgram, int iMSB, int iLSB);
 
   std::vector<State> mStates;  // from its time on; rising
-  bool mHasSamples = false;    // some time is not in ticks
+  Host_TimeUnits mUnits;
 };

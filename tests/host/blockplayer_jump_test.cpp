@@ -119,23 +119,46 @@ void CompareJumps(std::vector<Clip> const & iClips, Chance & ioChance, int iLeng
   }
 }
 
-}  // namespace
-
-TEST(Host_BlockPlayer_Jump, LeavesWhatPlayingLeavesInGeneratedClips) {
+void CompareJumpsInGeneratedClips(ClipKind iKind, int iNumClipsOnAChannel = 1) {
   constexpr int kLength = 20000;
+  iKind.mAreParametersWhole = true;
   for (unsigned seed = 1; seed <= 3; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     Chance chance(seed);
-    ChunkPtr chunks[3];
+    ChunkPtr chunks[4];
     std::vector<Clip> clips;
     for (ChunkPtr & chunkP : chunks) {
       chunkP = MakeChunk();
-      FillAtRandom(*chunkP.Get(), chance, kLength, 1, true);
-      clips.push_back({chunkP.Get(), static_cast<int>(clips.size())});
+      FillAtRandom(*chunkP.Get(), chance, kLength, iKind);
+      clips.push_back({chunkP.Get(), static_cast<int>(clips.size()) / iNumClipsOnAChannel});
     }
     CompareJumps(clips, chance, kLength, 100);
     if (testing::Test::HasFatalFailure()) return;
   }
+}
+
+}  // namespace
+
+TEST(Host_BlockPlayer_Jump, LeavesWhatPlayingLeavesInGeneratedClips) {
+  CompareJumpsInGeneratedClips(ClipKind());
+}
+
+TEST(Host_BlockPlayer_Jump, LeavesWhatPlayingLeavesInClipsThatShareChannels) {
+  ClipKind kind;
+  kind.mHasBanks = false;
+  CompareJumpsInGeneratedClips(kind, 2);
+}
+
+TEST(Host_BlockPlayer_Jump, LeavesWhatPlayingLeavesInClipsOfBothUnits) {
+  ClipKind kind;
+  kind.mNumOf = 2;
+  CompareJumpsInGeneratedClips(kind);
+}
+
+TEST(Host_BlockPlayer_Jump, LeavesWhatPlayingLeavesInClipsOfLongNotes) {
+  ClipKind kind;
+  kind.mHasLongNotes = true;
+  CompareJumpsInGeneratedClips(kind);
 }
 
 TEST(Host_BlockPlayer_Jump, LeavesWhatPlayingLeavesInTheDemo) {

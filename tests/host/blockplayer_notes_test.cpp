@@ -73,6 +73,27 @@ TEST(Host_BlockPlayer_Notes, PlaysNotesInSamples) {
   EXPECT_EQ("3: 90 3c 64 | 5: 90 3d 64 | 7: 80 3d 0a | 9: 90 3c 00", rig.PlayFrom(0, 16));
 }
 
+TEST(Host_BlockPlayer_Notes, LeavesOutThoseFoundInAudio) {
+  PlayerRig rig;
+  for (int pitch : {60, 61})
+    rig.Chunk().GetNoteList()->AddNote(Vrad_NoteListBase_Note(
+        AtSample(4), Vrae_PitchToMIDINoteWithDuration(static_cast<signed char>(pitch),
+                                                      Time_TickLength(400), 80, 64, 0.25f)
+                         .AsNoteWithDuration()));
+  EXPECT_EQ("", rig.PlayFrom(0, 8));
+  rig.mPlayer.Locate(AtSample(6));
+  EXPECT_EQ("", rig.Play(32));
+}
+
+// A store takes one in; the offsets of a block never fall all the same.
+TEST(Host_BlockPlayer_Notes, EndsOneOfNegativeLengthWhereItBegins) {
+  PlayerRig rig;
+  Vrae_NoteWithDurationEvent note(61, Time_TickLength(400), 100, 10);
+  note.mU.mNoteWithDuration.mDuration = -400;
+  rig.Chunk().GetNoteList()->AddNote(Vrad_NoteListBase_Note(AtSample(10), note));
+  EXPECT_EQ("10: 90 3d 64 | 10: 80 3d 0a", rig.PlayFrom(0, 16));
+}
+
 TEST(Host_BlockPlayer_Order, SendsControllersThenNoteOffsThenNoteOns) {
   PlayerRig rig;
   AddNote(rig.Chunk(), 0, 5, 60);
@@ -156,4 +177,45 @@ TEST(Host_BlockPlayer_Edits, BringsAnEditedValue) {
   AddController(rig.Chunk(), 8, 7, 50);
   rig.mPlayer.ClipEdited(0);
   EXPECT_EQ("0: b0 07 32", rig.Play(16));
+}
+
+TEST(Host_BlockPlayer_Edits, LiftsThePedalsThatAreTakenAway) {
+  PlayerRig rig;
+  for (int number : {64, 66, 67, 69})
+    AddController(rig.Chunk(), 0, number, 127);
+  AddController(rig.Chunk(), 0, 7, 100);
+  rig.PlayFrom(0, 16);
+  for (int number : {64, 66, 67, 69, 7})
+    rig.Chunk().EraseEvent(ControllerAt(AtSample(0), number, 127));
+  rig.mPlayer.ClipEdited(0);
+  EXPECT_EQ("0: b0 40 00 | 0: b0 42 00 | 0: b0 43 00 | 0: b0 45 00", rig.Play(16));
+}
+
+TEST(Host_BlockPlayer_Edits, CentresABendThatIsTakenAway) {
+  PlayerRig rig;
+  AddBend(rig.Chunk(), 0, 100);
+  rig.PlayFrom(0, 16);
+  rig.Chunk().EraseEvent(BendAt(AtSample(0), 100));
+  rig.mPlayer.ClipEdited(0);
+  EXPECT_EQ("0: e0 00 40", rig.Play(16));
+}
+
+TEST(Host_BlockPlayer_Edits, BringsAnEditedProgram) {
+  PlayerRig rig;
+  AddEvent(rig.Chunk(), 0, Vrae_ProgramEvent(5, 2 * 128 + 3));
+  rig.PlayFrom(0, 16);
+  AddEvent(rig.Chunk(), 8, Vrae_ProgramEvent(6, static_cast<short>(0xC000)));
+  rig.mPlayer.ClipEdited(0);
+  EXPECT_EQ("0: b0 00 02 | 0: b0 20 03 | 0: c0 06", rig.Play(16));
+}
+
+TEST(Host_BlockPlayer_Edits, BringsAnEditedParameter) {
+  PlayerRig rig;
+  for (int number : {101, 100})
+    AddController(rig.Chunk(), 0, number, 0);
+  AddController(rig.Chunk(), 0, 6, 12);
+  rig.PlayFrom(0, 16);
+  AddController(rig.Chunk(), 8, 6, 24);
+  rig.mPlayer.ClipEdited(0);
+  EXPECT_EQ("0: b0 65 00 | 0: b0 64 00 | 0: b0 06 18", rig.Play(16));
 }

@@ -25,8 +25,8 @@ public:
       : mChance(iSeed), mLength(iLength), mChangesTempo(iChangesTempo), mPlayer(&mChecker) {}
   ~Session() { Time_Convert::GetDefaultTempoMap().Reset(120.0); }
 
-  void AddClip(Vrad_Chunk * iChunkP, int iChannel) {
-    mClips.push_back({iChunkP, iChannel, true, false});
+  void AddClip(Vrad_Chunk * iChunkP, int iChannel, ClipKind const & iKind) {
+    mClips.push_back({iChunkP, iChannel, iKind, true, false});
     int const clip = static_cast<int>(mClips.size()) - 1;
     mPlayer.AddClip(iChunkP, iChannel, clip);
     mChecker.AddClip(iChunkP, iChannel, clip);
@@ -48,6 +48,7 @@ private:
   struct Clip {
     Vrad_Chunk * mChunkP;
     int mChannel;
+    ClipKind mKind;  // of what edits add
     bool mIsThere, mIsMuted;
   };
 
@@ -145,7 +146,7 @@ private:
     int const number = AnyClip();
     Clip const & clip = mClips[static_cast<size_t>(number)];
     if (!clip.mIsThere) return;
-    EditAtRandom(*clip.mChunkP, mChance, mLength, mChangesTempo ? kShortestAtAnyTempo : 1);
+    EditAtRandom(*clip.mChunkP, mChance, mLength, clip.mKind);
     Both("edit", [&](auto & ioTarget) { ioTarget.ClipEdited(number); });
   }
 
@@ -178,19 +179,30 @@ void PlayAtRandom(Session & ioSession, int iNumSteps) {
 
 }  // namespace
 
+// In half of the sessions the tempo changes; in half two clips share each channel; in half there
+// are times in samples, in clips of their own where the tempo changes, since the order of both
+// units changes with it; in half long notes.
 TEST(Host_BlockPlayer_Random, SendsWhatGeneratedClipsAskFor) {
-  constexpr int kLength = 20000, kNumSessions = 8;
+  constexpr int kLength = 20000, kNumSessions = 16;
   for (unsigned seed = 1; seed <= kNumSessions; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     Chance chance(seed);
     std::array<ChunkPtr, 4> chunks;
-    bool const changesTempo = seed % 2 == 0;
+    bool const changesTempo = seed % 2 == 0, isShared = seed / 2 % 2 == 0;
+    bool const hasSamples = seed / 4 % 2 == 0;
+    ClipKind kind;
+    kind.mShortestNote = changesTempo ? Session::kShortestAtAnyTempo : 1;
+    kind.mHasLongNotes = seed / 8 % 2 == 0;
+    kind.mHasBanks = !isShared;
     Session session(seed, kLength, changesTempo);
-    int channel = 0;
-    for (ChunkPtr & chunkP : chunks) {
+    for (int num = 0; ChunkPtr & chunkP : chunks) {
+      if (hasSamples) kind.mNumOf = changesTempo ? 1 : 2;
+      if (hasSamples && changesTempo) kind.mNumInTicks = num % 2;
       chunkP = MakeChunk();
-      FillAtRandom(*chunkP.Get(), chance, kLength, changesTempo ? Session::kShortestAtAnyTempo : 1);
-      session.AddClip(chunkP.Get(), channel++);
+      FillAtRandom(*chunkP.Get(), chance, kLength, kind);
+      bool const hasChannel = !isShared || num > 0;  // without one it plays on the first
+      session.AddClip(chunkP.Get(), !hasChannel ? -1 : isShared ? num / 2 : num, kind);
+      ++num;
     }
     PlayAtRandom(session, kNumSteps / 2 / kNumSessions);
     if (testing::Test::HasFatalFailure()) return;
@@ -199,9 +211,11 @@ TEST(Host_BlockPlayer_Random, SendsWhatGeneratedClipsAskFor) {
 
 TEST(Host_BlockPlayer_Random, SendsWhatTheDemoAsksFor) {
   Host_MidiFile file = Host_ReadMidiFile(VRAD_SOURCE_DIR "/examples/demo.mid");
+  ClipKind kind;
+  kind.mShortestNote = Session::kShortestAtAnyTempo;
   Session session(42, 49 * 48000, true);
   file.FillTempoMap(Time_Convert::GetDefaultTempoMap());
   for (Host_Clip const & clip : file.mClips)
-    session.AddClip(clip.mChunk.Get(), clip.mChannel);
+    session.AddClip(clip.mChunk.Get(), clip.mChannel, kind);
   PlayAtRandom(session, kNumSteps / 2);
 }

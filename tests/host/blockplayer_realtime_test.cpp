@@ -11,11 +11,12 @@ constexpr int kLength = 20000;
 
 // A player of four clips, into a list that does not grow.
 struct Rig {
-  Rig() {
+  explicit Rig(ClipKind const & iKind = ClipKind(), int iNumNotes = Host_NotePool::kDefaultNumNotes)
+      : mPool(iNumNotes) {
     Chance chance(7);
     for (int i = 0; i < 4; ++i) {
       mChunks[i] = MakeChunk();
-      FillAtRandom(*mChunks[i].Get(), chance, kLength);
+      FillAtRandom(*mChunks[i].Get(), chance, kLength, iKind);
       mPlayer.AddClip(mChunks[i].Get(), i / 2, i);
     }
   }
@@ -84,6 +85,47 @@ TEST(Host_BlockPlayer_Process, IsFitForTheAudioThreadAfterEdits) {
     rig.mPlayer.ClipEdited(i % 4);
     EXPECT_EQ("", rig.Play(200));
   }
+}
+
+TEST(Host_BlockPlayer_Process, IsFitForTheAudioThreadAfterAClipIsTakenAway) {
+  Rig rig;
+  rig.mPlayer.Start(AtSample(1000));
+  rig.Play(64);
+  rig.mPlayer.RemoveClip(1);
+  EXPECT_EQ("", rig.Play(64));
+  rig.mPlayer.SetReceiver(nullptr);
+  EXPECT_EQ("", rig.Play(64));
+  rig.mPlayer.SetReceiver(&rig.mList);
+  EXPECT_EQ("", rig.Play(64));
+}
+
+TEST(Host_BlockPlayer_Process, IsFitForTheAudioThreadWithClipsOfBothUnitsWhoseTempoChanges) {
+  ClipKind kind;
+  kind.mNumOf = 2;
+  kind.mHasLongNotes = true;
+  Rig rig(kind);
+  rig.mPlayer.SetLoopPolicy(Host_ELoopPolicy::kKeep);
+  rig.mPlayer.SetLoop(AtSample(1000), AtSample(1700));
+  rig.mPlayer.Start(AtSample(0));
+  for (int i = 0; i < 100; ++i) {
+    Time_Convert::GetDefaultTempoMap().Reset(i % 2 == 0 ? 120.0 : 90.0);
+    EXPECT_EQ("", rig.Play(200));
+  }
+  Time_Convert::GetDefaultTempoMap().Reset(120.0);
+}
+
+TEST(Host_BlockPlayer_Process, IsFitForTheAudioThreadWhenThePoolIsUsedUp) {
+  Rig rig(ClipKind(), 32);
+  Chance chance(3);
+  rig.mPlayer.SetLoopPolicy(Host_ELoopPolicy::kKeep);
+  rig.mPlayer.SetLoop(AtSample(1000), AtSample(3000));
+  rig.mPlayer.Start(AtSample(0));
+  for (int i = 0; i < 100; ++i) {
+    EditAtRandom(*rig.mChunks[i % 4].Get(), chance, kLength);
+    rig.mPlayer.ClipEdited(i % 4);
+    EXPECT_EQ("", rig.Play(200));
+  }
+  EXPECT_LT(0, rig.mPlayer.GetNumLostNotes());
 }
 
 TEST(Host_BlockPlayer_Process, IsFitForTheAudioThreadWithAThousandNotesAtOneTick) {

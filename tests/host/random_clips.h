@@ -22,6 +22,15 @@ private:
   std::mt19937 mEngine;
 };
 
+/// What a clip is made of.
+struct ClipKind {
+  long long mShortestNote = 1;       // ticks
+  bool mAreParametersWhole = false;  // all of their value at once
+  int mNumInTicks = 1, mNumOf = 1;   // how many times of so many are in ticks, not in samples
+  bool mHasLongNotes = false;        // most notes count as long, as does one that is made so
+  bool mHasBanks = true;
+};
+
 constexpr int kPlainControllers[] = {1, 7, 10, 11, 64, 64, 66, 67, 69, 91};
 
 /// The ticks from there to the end of a sample. Notes end with a sample, or within the one that
@@ -30,23 +39,36 @@ inline long long ToEndOfSample(long long iTick, int iNumSamples) {
   return iNumSamples * kTicksPerSample - iTick % kTicksPerSample;
 }
 
+inline bool IsInTicks(Chance & ioChance, ClipKind const & iKind) {
+  return iKind.mNumInTicks == iKind.mNumOf || ioChance.Below(iKind.mNumOf) < iKind.mNumInTicks;
+}
+
 /// A note of one of a few pitches, so that they meet: most are short, some last for all of the
-/// clip, some hardly at all. `iShortest`: ticks.
+/// clip, some hardly at all.
 inline Vrad_NoteWithDurationExtendedEvent RandomNote(Chance & ioChance, int iLength,
-                                                     long long iShortest) {
+                                                     ClipKind const & iKind) {
   long long const start = ioChance.Below(iLength) * kTicksPerSample + ioChance.Below(2);
   long long duration = ToEndOfSample(start, ioChance.From(1, 400));
   if (ioChance.OneIn(10)) duration = ioChance.From(1, 38);
   if (ioChance.OneIn(20)) duration = ToEndOfSample(start, ioChance.From(1, iLength));
-  if (duration < iShortest) duration = ToEndOfSample(start, 10);
-  Vrae_NoteWithDurationEvent const note(static_cast<signed char>(ioChance.From(60, 67)),
-                                        Time_TickLength(duration),
+  if (duration < iKind.mShortestNote) duration = ToEndOfSample(start, 10);
+  bool const isInTicks = IsInTicks(ioChance, iKind);
+  Time_Typed const time = isInTicks ? Ticks(start) : Samples(start / kTicksPerSample);
+  Time_TypedLength const length =
+      isInTicks ? Time_TypedLength(Time_TickLength(duration))
+                : Time_TypedLength(Time_SampleLength(1 + duration / kTicksPerSample));
+  Vrae_NoteWithDurationEvent const note(static_cast<signed char>(ioChance.From(60, 67)), length,
                                         static_cast<signed char>(ioChance.From(1, 127)),
                                         static_cast<signed char>(ioChance.Below(128)));
-  return Vrad_NoteWithDurationExtendedEvent(Ticks(start), note, ioChance.OneIn(15));
+  return Vrad_NoteWithDurationExtendedEvent(time, note, ioChance.OneIn(15));
 }
 
-inline Vrae_Event RandomValue(Chance & ioChance) {
+/// The sample in either unit.
+inline Time_Typed RandomTime(Chance & ioChance, long long iSample, ClipKind const & iKind) {
+  return IsInTicks(ioChance, iKind) ? AtSample(iSample) : Samples(iSample);
+}
+
+inline Vrae_Event RandomValue(Chance & ioChance, ClipKind const & iKind) {
   signed char const value = static_cast<signed char>(ioChance.Below(128));
   signed char const pitch = static_cast<signed char>(ioChance.From(60, 67));
   switch (ioChance.Below(8)) {
@@ -58,9 +80,9 @@ inline Vrae_Event RandomValue(Chance & ioChance) {
     return Vrae_PolyPressureEvent(pitch, value);
   case 3: {
     Vrae_ProgramEvent program(value, static_cast<short>(ioChance.Below(16384)));
-    program.SetProgramEnable(!ioChance.OneIn(4));
-    program.SetMSBBankEnable(ioChance.OneIn(3));
-    program.SetLSBBankEnable(ioChance.OneIn(3));
+    program.SetProgramEnable(!iKind.mHasBanks || !ioChance.OneIn(4));
+    program.SetMSBBankEnable(iKind.mHasBanks && ioChance.OneIn(3));
+    program.SetLSBBankEnable(iKind.mHasBanks && ioChance.OneIn(3));
     return program;
   }
   default:
@@ -70,19 +92,19 @@ inline Vrae_Event RandomValue(Chance & ioChance) {
   }
 }
 
-/// Selects a parameter, sets it, then steps it a few times. Takes some samples, often none. Whole:
-/// all of its value at once.
-inline void AddParameter(Vrad_Chunk & ioChunk, Chance & ioChance, int iSample, bool iIsWhole) {
-  int const spread = iIsWhole || ioChance.OneIn(2) ? 0 : 5;
+/// Selects a parameter, sets it, then steps it a few times. Takes some samples, often none.
+inline void AddParameter(Vrad_Chunk & ioChunk, Chance & ioChance, int iSample,
+                         ClipKind const & iKind) {
+  int const spread = iKind.mAreParametersWhole || ioChance.OneIn(2) ? 0 : 5;
   auto const add = [&](int iNumber, int iValue) {
-    AddController(ioChunk, iSample, iNumber, iValue);
+    ioChunk.AddEvent(ControllerAt(RandomTime(ioChance, iSample, iKind), iNumber, iValue));
     iSample += spread;
   };
   bool const isRegistered = !ioChance.OneIn(3);
   add(isRegistered ? 101 : 99, 0);
   add(isRegistered ? 100 : 98, ioChance.Below(3));
   add(6, ioChance.Below(128));
-  if (iIsWhole || !ioChance.OneIn(3)) add(38, ioChance.Below(128));
+  if (iKind.mAreParametersWhole || !ioChance.OneIn(3)) add(38, ioChance.Below(128));
   for (int i = ioChance.Below(3); i > 0; --i) {
     iSample += 1;
     add(ioChance.From(96, 97), 0);
@@ -94,16 +116,32 @@ inline void AddParameter(Vrad_Chunk & ioChunk, Chance & ioChance, int iSample, b
   }
 }
 
+inline void AddRandomValue(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength,
+                           ClipKind const & iKind) {
+  Time_Typed const time = RandomTime(ioChance, ioChance.Below(iLength), iKind);
+  ioChunk.AddEvent(Vrad_ExtendedEvent(time, RandomValue(ioChance, iKind)));
+}
+
+inline void AddRandomSysex(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength,
+                           ClipKind const & iKind) {
+  Time_Typed const time = RandomTime(ioChance, ioChance.Below(iLength), iKind);
+  ioChunk.AddEvent(SysexAt(time, ioChance.Below(128)));
+}
+
 inline void FillAtRandom(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength,
-                         long long iShortest = 1, bool iAreParametersWhole = false) {
+                         ClipKind const & iKind = ClipKind()) {
+  if (iKind.mHasLongNotes) {
+    ioChunk.GetNoteList()->SetLongNoteDuration(Time_TickLength(100 * kTicksPerSample));
+    ioChunk.GetNoteList()->SetLongNoteDuration(Time_SampleLength(100));
+  }
   for (int i = 0; i < iLength / 40; ++i)
-    ioChunk.AddEvent(RandomNote(ioChance, iLength, iShortest));
+    ioChunk.AddEvent(RandomNote(ioChance, iLength, iKind));
   for (int i = 0; i < iLength / 60; ++i)
-    AddEvent(ioChunk, ioChance.Below(iLength), RandomValue(ioChance));
+    AddRandomValue(ioChunk, ioChance, iLength, iKind);
   for (int i = 0; i < iLength / 2000; ++i)
-    AddParameter(ioChunk, ioChance, i * 2000 + ioChance.Below(1900), iAreParametersWhole);
+    AddParameter(ioChunk, ioChance, i * 2000 + ioChance.Below(1900), iKind);
   for (int i = 0; i < iLength / 3000; ++i)
-    ioChunk.AddEvent(SysexAt(AtSample(ioChance.Below(iLength)), ioChance.Below(128)));
+    AddRandomSysex(ioChunk, ioChance, iLength, iKind);
 }
 
 /// A note of the clip, by chance. False if it has none.
@@ -119,20 +157,23 @@ inline bool FindNote(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength,
 
 /// Adds, takes away or changes a note, or adds a value.
 inline void EditAtRandom(Vrad_Chunk & ioChunk, Chance & ioChance, int iLength,
-                         long long iShortest = 1) {
+                         ClipKind const & iKind = ClipKind()) {
   Vrad_NoteListBase_Note note;
   int const what = ioChance.Below(4);
   if (what == 0) {
-    ioChunk.AddEvent(RandomNote(ioChance, iLength, iShortest));
+    ioChunk.AddEvent(RandomNote(ioChance, iLength, iKind));
   } else if (what == 1) {
-    AddEvent(ioChunk, ioChance.Below(iLength), RandomValue(ioChance));
+    AddRandomValue(ioChunk, ioChance, iLength, iKind);
   } else if (FindNote(ioChunk, ioChance, iLength, note)) {
     if (what == 2) {
       ioChunk.EraseEvent(Vrae_TimedEvent(note.mTime, note.mEvent));
     } else {
       Vrae_NoteWithDurationEvent changed = note.mEvent;
-      changed.SetDuration(
-          Time_TickLength(ToEndOfSample(note.mTime.AsInt64(), ioChance.From(10, 500))));
+      int const length = ioChance.From(10, 500);
+      if (note.mTime.GetType() == Time_eType_Samples)
+        changed.SetDuration(Time_SampleLength(length));
+      else
+        changed.SetDuration(Time_TickLength(ToEndOfSample(note.mTime.AsInt64(), length)));
       ioChunk.GetNoteList()->ChangeNote(note.mTime, note.mEvent, changed);
     }
   }
