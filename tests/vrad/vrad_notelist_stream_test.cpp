@@ -96,6 +96,10 @@ TEST_F(Vrad_NoteList_StreamIn, GivesVersion1NotesADeltaInTheTimesUnit) {
   EXPECT_EQ(Time_eType_Samples, (*iter).mQuantizeTimeDelta.GetType());
 }
 
+TEST_F(Vrad_NoteList_StreamIn, GivesVersion1NotesADeltaInTheTimesUnitWhateverTheDurations) {
+  EXPECT_EQ("10s: 60+480000 100/64, delta 0s, was 60+480000 100/64", Read("notes_v1_units"));
+}
+
 TEST_F(Vrad_NoteList_StreamIn, ReadsAnEmptyList) {
   EXPECT_EQ("", Read("notes_v3_empty"));
   EXPECT_EQ("nothing", mRefusal);
@@ -105,7 +109,9 @@ TEST_F(Vrad_NoteList_StreamIn, TakesTheSecondAndThirdSectionAsOptional) {
   std::string const first = "0: 60+480000 100/64, delta -2000, was ";
   std::string const second = "480000: 64+240000 1/127, delta 0, was 64+240000 1/127";
   EXPECT_EQ(Both(first + "60+450000 100/64", second), Read("notes_v3_first_only"));
+  EXPECT_EQ("nothing", mRefusal);
   EXPECT_EQ(Both(first + "61+450000 90/32", second), Read("notes_v3_no_flags"));
+  EXPECT_EQ("nothing", mRefusal);
 }
 
 TEST_F(Vrad_NoteList_StreamIn, ReadsMuteFlagsInAnyVersion) {
