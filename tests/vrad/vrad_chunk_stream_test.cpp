@@ -14,6 +14,7 @@
 #include "support/event_samples.h"
 #include "support/golden_files.h"
 #include "support/throwing_off.h"
+#include "support/tick_times_matter.h"
 #include "vrad/vrad_init.h"
 #include "vrad/vrad_n10n.h"
 
@@ -234,6 +235,15 @@ TEST(Vrad_Chunk_StreamIn, MeetsATearBeforeTheMiscEventsWithTheNextRead) {
   EXPECT_EQ(std::string(kNotes1) + " / misc", reading.Print());
 }
 
+TEST(Vrad_Chunk_StreamIn, RefusesVersion0WithAnException) {
+  Bytes bytes = ReadGolden("chunk");
+  ASSERT_EQ(1, bytes[7]);
+  bytes[7] = 0;
+  Sys_MemoryInStream stream(bytes);
+  EXPECT_EQ("record version 0 is not supported",
+            ThrownBy([&] { Vrad_Chunk::StreamIn(stream, Ndo_Object::kNotUndoable, false); }));
+}
+
 TEST(Vrad_Chunk_StreamIn, RefusesAnotherVersionWithAnException) {
   Sys_MemoryInStream stream = OpenGolden("chunk_version_2");
   Cmn_AssertRecorder const recorder;
@@ -341,6 +351,15 @@ TEST(Vrad_Chunk_StreamIn, GivesEveryStoreTheFlags) {
     EXPECT_TRUE(streamP->NdoIsUndoable());
   EXPECT_FALSE(Reading("chunk").mChunkP->GetContinuousList()[0]->NdoIsUndoable());
   EXPECT_FALSE(Reading("chunk").mChunkP->QuantizeContents());
+}
+
+TEST(Vrad_Chunk_StreamIn, GivesTheStreamsWhetherToSnap) {
+  TickTimesMatterScope const scope;
+  for (bool const quantizes : {false, true}) {
+    Reading const reading("chunk", Ndo_Object::kNotUndoable, quantizes);
+    reading.mChunkP->GetContinuousList()[2]->OffsetTimes(Time_TypedLength(400, Time_eType_Ticks));
+    EXPECT_NE(std::string::npos, reading.Print().find(quantizes ? "kind8@0t" : "kind8@410t"));
+  }
 }
 
 TEST(Vrad_Chunk_StreamIn, FillsTheLongNoteListWithUnmutedCopies) {
