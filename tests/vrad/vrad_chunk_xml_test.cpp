@@ -72,6 +72,13 @@ TEST(Vrad_Chunk_GetAsXML, CountsStreamsAndNotTheirValues) {
   EXPECT_EQ(chunk->GetAsXML()->FindChild("NumContinuousControllerDataStreams")->GetValue(), "2");
 }
 
+TEST(Vrad_Chunk_GetAsXML, HasNoNoteListWhereTheChunkHasNone) {
+  ChunkPtr const chunk = MakeChunk();
+  chunk->SetNoteList(Ndo_AutoPtr<Vrad_NoteListBase>());
+  EXPECT_EQ(PrintChildren(chunk->GetAsXML()), "NumContinuousControllerDataStreams UID");
+  EXPECT_EQ(chunk->PrintContents(), "Notes: \nSorted list: none\n");
+}
+
 TEST(Vrad_Chunk_GetAsXML, ShowsItsIdentityInHexadecimal) {
   ChunkPtr const chunk = MakeChunk();
   chunk->SetUID(RisingID());
