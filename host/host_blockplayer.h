@@ -70,10 +70,10 @@ public:
   /// gathers its parameter changes. O(events), some 0.15 s for a million.
   /// Fails: std::bad_alloc; the next blocks may then take memory.
   void ClipEdited(int iClip);
-  /// The same where only events in [iFrom, iTo) were added, taken out or changed; one that has moved
-  /// lay and lies there. Counts what lies there and within a beat of it: O(log n) for each stream,
-  /// the events there, and the clip's programs and parameter changes. A range or a clip with times
-  /// in samples is counted whole.
+  /// The same where only events in [iFrom, iTo) were added, taken out or changed; one that has
+  /// moved lay and lies there. Counts what lies there and within a beat of it: O(log n) for each
+  /// stream, the events there, and the clip's programs and parameter changes. A range or a clip
+  /// with times in samples is counted whole.
   void ClipEdited(int iClip, Time_Typed iFrom, Time_Typed iTo);
 
   /// The chunk is not touched again, and its number is free. What sounds of it ends in the next
