@@ -242,6 +242,10 @@ class UndoAndRedo(Edit):
         self.edit("nudge times 960000t", "nudge times 0t", "undo", "undo", "redo", "redo")
         self.assertEqual(self.notes()[0], (480, 60, 240))
 
+    def test_redo_of_a_command_that_changed_nothing_changes_nothing(self):
+        self.edit("erase-stream cc6", "nudge times 960000t", "undo", "undo", "redo")
+        self.assertEqual(self.notes()[0], (0, 60, 240))
+
     def test_a_command_ends_what_can_be_redone(self):
         _, err = self.edit("nudge times 960000t", "undo", "erase-stream cc6", "redo", status=2)
         self.assertIn("'redo': there is nothing to redo", err)
