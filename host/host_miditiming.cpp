@@ -6,11 +6,13 @@ namespace {
 
 constexpr long long kTicksPerSecond = Time_Globals::kTicksPerBeat * 2;  // at 120 beats a minute
 
-// In two parts, so that the products stay within 64 bits.
+// In two parts, so that the product with the rest stays within 64 bits. Saturates.
 long long Scale(long long iNumber, long long iNumerator, long long iDenominator) {
   long long const whole = iNumber / iDenominator;
   long long const rest = iNumber % iDenominator;
-  return whole * iNumerator + (2 * rest * iNumerator + iDenominator) / (2 * iDenominator);
+  if (whole > Time_Saturating::kMax / iNumerator) return Time_Saturating::kMax;
+  return Time_Saturating::Add(whole * iNumerator,
+                              (2 * rest * iNumerator + iDenominator) / (2 * iDenominator));
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ public:
   /// 24, 25, 29 or 30; 0 where ticks are parts of a quarter note.
   int GetFramesPerSecond() const { return mFramesPerSecond; }
 
-  /// The nearest library tick, ties upward. iFileTick 0 to 2^40.
+  /// The nearest library tick, ties upward, and at most the last one. Needs: iFileTick 0 or later.
   Time_Tick ToTick(long long iFileTick) const;
   /// The nearest file tick, ties upward: the reverse of the above, since file ticks are the longer
   /// ones. Needs: iTick 0 or later.

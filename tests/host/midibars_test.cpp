@@ -79,6 +79,16 @@ TEST(Host_MidiTiming, StaysExactFarOut) {
   EXPECT_EQ(Host_MidiTiming(7).ToTick(1099511627776).AsInt64(), 150790166094994286);
 }
 
+TEST(Host_MidiTiming, StaysWithinTheLastTick) {
+  constexpr long long kLast = 9223372036854775807;
+  Host_MidiTiming const timing(15);  // 64000 library ticks each
+  EXPECT_EQ(timing.ToFileTick(Time_Tick(kLast)), 144115188075856);
+  EXPECT_EQ(timing.ToTick(144115188075855).AsInt64(), 9223372036854720000);
+  EXPECT_EQ(timing.ToTick(144115188075856).AsInt64(), kLast);
+  EXPECT_EQ(timing.ToTick(kLast).AsInt64(), kLast);
+  EXPECT_FALSE(timing.IsOnGrid(Time_Tick(kLast - 1)));
+}
+
 TEST(Host_MidiTiming, LaysFramesOutAt120BeatsAMinute) {
   Host_MidiTiming const timing(0xe728);  // 25 frames of 40 ticks: milliseconds
   EXPECT_TRUE(timing.IsSMPTE());
