@@ -98,6 +98,17 @@ TEST(Host_BlockPlayer_Loop, EndsAKeptNoteBeforeItsPitchIsStruckAgain) {
   EXPECT_EQ("3: 80 3c 01 | 3: 90 3c 5a | 5: 80 3c 02", rig.Play(6));
 }
 
+TEST(Host_BlockPlayer_Loop, LetsAKeptNoteRingOverSeveralPasses) {
+  PlayerRig rig;
+  AddNote(rig.Chunk(), 12, 25, 60);
+  rig.mPlayer.SetLoop(AtSample(0), AtSample(16));
+  rig.mPlayer.SetLoopPolicy(Host_ELoopPolicy::kKeep);
+  EXPECT_EQ("0: 90 3c 64", rig.PlayFrom(12, 4));
+  rig.mPlayer.SetLoop(AtSample(0), AtSample(8));
+  EXPECT_EQ("", rig.Play(4));
+  EXPECT_EQ("17: 80 3c 0a", rig.Play(32));
+}
+
 TEST(Host_BlockPlayer_Loop, StrikesANoteThatBeginsBeforeTheLoop) {
   PlayerRig rig;
   AddNote(rig.Chunk(), 2, 10, 60);

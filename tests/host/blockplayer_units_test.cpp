@@ -159,6 +159,22 @@ TEST_F(Host_BlockPlayer_TempoInSamples, EndsNotesOfBothUnitsInTheirNewOrder) {
   EXPECT_EQ("57: 80 3d 0a | 150: 90 3c 00", mRig.Play(200));
 }
 
+// The tick that has been reached lies in the midst of a sample then.
+TEST_F(Host_BlockPlayer_TempoInSamples, PlaysNothingTwiceOfASampleThatWasPlayedInPart) {
+  mRig.Chunk().AddEvent(ControllerAt(Ticks(595), 7, 90));
+  EXPECT_EQ("14: b0 07 5a", mRig.PlayFrom(0, 15));
+  SetTempo(77.0);
+  EXPECT_EQ("", mRig.Play(16));
+}
+
+TEST_F(Host_BlockPlayer_TempoInSamples, KeepsANoteOfASampleThatWasPlayedInPart) {
+  mRig.Chunk().AddEvent(NoteAt(Ticks(595), 60, 40000));
+  AddInSamples(mRig.Chunk(), 10000, 7, 90);
+  EXPECT_EQ("14: 90 3c 64", mRig.PlayFrom(0, 15));
+  SetTempo(77.0);
+  EXPECT_EQ("", mRig.Play(16));
+}
+
 // ---- Long notes ----
 
 TEST(Host_BlockPlayer_LongNotes, StrikesOneThatAChangeMadeLong) {
