@@ -36,6 +36,12 @@ TEST_F(Host_BlockPlayer_SharedChannel, EndsANoteBeforeTheOtherClipsNoteOfItsPitc
   EXPECT_EQ("0 #1: 90 3c 5a | 8 #1: 80 3c 02 | 8 #0: 90 3c 64", PlayFrom(0, 16));
 }
 
+TEST_F(Host_BlockPlayer_SharedChannel, LeavesTheValueOfTheClipThatWasAddedLastAtOneTime) {
+  AddController(First(), 8, 7, 80);
+  AddController(Second(), 8, 7, 90);
+  EXPECT_EQ("8 #0: b0 07 50 | 8 #1: b0 07 5a", PlayFrom(0, 16));
+}
+
 TEST_F(Host_BlockPlayer_SharedChannel, SendsTheValuesOfATimeAheadOfTheOtherClipsNotes) {
   AddNote(First(), 8, 8, 60);
   AddController(Second(), 8, 7, 90);

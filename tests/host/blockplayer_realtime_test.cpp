@@ -128,6 +128,24 @@ TEST(Host_BlockPlayer_Process, IsFitForTheAudioThreadWhenThePoolIsUsedUp) {
   EXPECT_LT(0, rig.mPlayer.GetNumLostNotes());
 }
 
+TEST(Host_BlockPlayer_Process, IsFitForTheAudioThreadInABlockAsLongAsTheClip) {
+  Rig rig;
+  rig.mPlayer.Start(AtSample(0));
+  EXPECT_EQ("", rig.Play(2 * kLength));
+}
+
+// Room is counted by stretches of 240,000 ticks; these notes lie on either side of where two meet.
+TEST(Host_BlockPlayer_Process, IsFitForTheAudioThreadWhereverEventsCrowd) {
+  PlayerRig rig;
+  Host_MessageList list(10000, 100000);
+  for (int i = 0; i < 400; ++i)
+    AddNote(rig.Chunk(), 5950 + i % 100, 10, i % 128);
+  rig.mPlayer.SetReceiver(&list);
+  rig.AddClip();
+  rig.mPlayer.Start(AtSample(5900));
+  EXPECT_EQ("", RealtimeViolationsOf([&] { rig.mPlayer.Process(200); }));
+}
+
 TEST(Host_BlockPlayer_Process, IsFitForTheAudioThreadWithAThousandNotesAtOneTick) {
   Rig rig;
   for (int i = 0; i < 1000; ++i)

@@ -117,6 +117,15 @@ TEST(Host_BlockPlayer_Locate, CentresABendThatTheClipDoesNotHaveThere) {
   EXPECT_EQ("0: e0 00 40", rig.Play(16));
 }
 
+TEST(Host_BlockPlayer_Locate, DoesNothingAtThePositionThatItStandsAt) {
+  PlayerRig rig;
+  AddNote(rig.Chunk(), 0, 100, 60);
+  AddController(rig.Chunk(), 0, 64, 127);
+  rig.PlayFrom(0, 16);
+  rig.mPlayer.Locate(AtSample(16));
+  EXPECT_EQ("", rig.Play(16));
+}
+
 TEST(Host_BlockPlayer_Locate, MovesAStoppedPlayer) {
   PlayerRig rig;
   AddNote(rig.Chunk(), 0, 100, 60);
