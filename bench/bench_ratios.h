@@ -21,8 +21,8 @@ public:
   void ReportRuns(std::vector<Run> const & iRuns) override {
     benchmark::ConsoleReporter::ReportRuns(iRuns);
     for (Run const & run : iRuns) {
-      if (run.run_type != Run::RT_Iteration) continue;
-      double const time = run.GetAdjustedCPUTime();
+      if (run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
+      double const time = run.cpu_accumulated_time / static_cast<double>(run.iterations);
       auto const [iter, isNew] = mFastest.try_emplace(run.benchmark_name(), time);
       if (!isNew) iter->second = std::min(iter->second, time);
     }
@@ -44,7 +44,7 @@ public:
   }
 
 private:
-  std::map<std::string, double> mFastest;  // CPU time by name of benchmark
+  std::map<std::string, double> mFastest;  // seconds of CPU time by name of benchmark
 };
 
 inline int Bench_RunWithRatios(int iNumArgs, char ** iArgs,
